@@ -1,0 +1,28 @@
+# How everything in the project is compiled: an interface library that each target links privately.
+
+add_library(vexakit_settings INTERFACE)
+
+target_compile_options(vexakit_settings INTERFACE
+    # Formulas give the same bits on every target and at every vector width.
+    -ffp-contract=off
+    -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Wcast-qual -Wundef
+    $<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor -Woverloaded-virtual>
+    # Every field that a braced list leaves out has a default.
+    $<$<COMPILE_LANGUAGE:CXX>:-Wno-missing-field-initializers>)
+
+if(VEXAKIT_WERROR)
+    target_compile_options(vexakit_settings INTERFACE -Werror)
+endif()
+
+if(VEXAKIT_SANITIZE)
+    target_compile_options(vexakit_settings INTERFACE
+        -fsanitize=${VEXAKIT_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+    target_link_options(vexakit_settings INTERFACE -fsanitize=${VEXAKIT_SANITIZE})
+endif()
+
+if(WIN32)
+    target_compile_definitions(vexakit_settings INTERFACE
+        UNICODE _UNICODE WIN32_LEAN_AND_MEAN NOMINMAX)
+    # The DLL and the programs need nothing that a Windows system lacks.
+    target_link_options(vexakit_settings INTERFACE -static)
+endif()

@@ -1,0 +1,66 @@
+# The library itself: nothing but a C++20 compiler goes into it.
+
+set(VEXAKIT_SOURCES
+    geometry/accessors.cpp
+    geometry/construction.cpp
+    geometry/size.cpp
+    geometry/walkers.cpp
+    strings/conversion.cpp
+    strings/release.cpp
+    wkt/geometry_builder.cpp
+    wkt/number_scan.cpp
+    wkt/parse_interface.cpp
+    wkt/parse_run.cpp
+    wkt/parser.cpp
+    wkt/point_text.cpp
+    wkt/scan_buffer.cpp
+    wkt/writer.cpp)
+
+set(VEXAKIT_GENERATED_SOURCES
+    wkt/generated/grammar.cpp
+    wkt/generated/scanner.cpp)
+
+set(VEXAKIT_PLATFORM_SOURCES
+    ansi_code_page.cpp
+    critical_section.cpp
+    decimal_point.cpp
+    number_print.cpp)
+if(WIN32)
+    list(TRANSFORM VEXAKIT_PLATFORM_SOURCES PREPEND platform/windows/)
+else()
+    list(TRANSFORM VEXAKIT_PLATFORM_SOURCES PREPEND platform/posix/)
+endif()
+
+# A generated machine keeps its generator's habits.
+set_source_files_properties(${VEXAKIT_GENERATED_SOURCES} PROPERTIES
+    COMPILE_OPTIONS "-Wno-conversion;-Wno-sign-conversion;-Wno-old-style-cast;-Wno-unused")
+
+# Compiled once: for the library, and for the tests of what it does not export.
+add_library(vexakit_objects OBJECT
+    ${VEXAKIT_SOURCES} ${VEXAKIT_GENERATED_SOURCES} ${VEXAKIT_PLATFORM_SOURCES})
+target_include_directories(vexakit_objects PUBLIC
+    ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/include)
+target_compile_definitions(vexakit_objects PRIVATE VEXAKIT_BUILDING)
+target_link_libraries(vexakit_objects PRIVATE vexakit_settings)
+
+add_library(vexakit SHARED)
+add_library(vexakit::vexakit ALIAS vexakit)
+target_link_libraries(vexakit PRIVATE vexakit_objects vexakit_settings Threads::Threads)
+target_include_directories(vexakit INTERFACE ${PROJECT_SOURCE_DIR}/include)
+set_target_properties(vexakit PROPERTIES
+    PREFIX "${CMAKE_SHARED_LIBRARY_PREFIX}"
+    VERSION ${PROJECT_VERSION}
+    SOVERSION ${PROJECT_VERSION_MAJOR})
+if(WIN32)
+    # The DLL's name carries no prefix and no version.
+    set_target_properties(vexakit PROPERTIES PREFIX "" RUNTIME_OUTPUT_NAME vexakit)
+else()
+    target_link_options(vexakit PRIVATE
+        -Wl,--version-script=${PROJECT_SOURCE_DIR}/cmake/vexakit.map
+        -Wl,-z,relro,-z,now,-z,noexecstack)
+    set_target_properties(vexakit PROPERTIES LINK_DEPENDS
+        ${PROJECT_SOURCE_DIR}/cmake/vexakit.map)
+    if(NOT VEXAKIT_SANITIZE)
+        target_link_options(vexakit PRIVATE -Wl,-z,defs)
+    endif()
+endif()

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+
+namespace vexa::platform {
+
+/// A re-entrant lock of one process, owned by a thread: each `enter` of the owner is undone by one
+/// `leave`. Making one cannot fail.
+class CriticalSection {
+   public:
+    CriticalSection() noexcept;
+    CriticalSection(const CriticalSection&) = delete;
+    CriticalSection& operator=(const CriticalSection&) = delete;
+    ~CriticalSection();
+
+    void enter() noexcept;
+    void leave() noexcept;
+
+   private:
+    static constexpr std::size_t kSize = 40;
+    alignas(8) std::array<std::byte, kSize> section_;
+};
+
+}  // namespace vexa::platform

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <string_view>
+
+#include "vexakit/types.h"
+
+namespace vexa::platform {
+
+/// The decimal point of the locale that the C runtime uses now, as its narrow and as its wide
+/// functions read and print it.
+std::string_view decimalPoint() noexcept;
+VexaWChar wideDecimalPoint() noexcept;
+
+}  // namespace vexa::platform

@@ -1,0 +1,31 @@
+#include "platform/critical_section.h"
+
+#include <pthread.h>
+
+#include <new>
+
+namespace vexa::platform {
+
+namespace {
+
+pthread_mutex_t* mutexIn(std::byte* section) {
+    return std::launder(reinterpret_cast<pthread_mutex_t*>(section));
+}
+
+}  // namespace
+
+CriticalSection::CriticalSection() noexcept : section_{} {
+    static_assert(sizeof(pthread_mutex_t) <= kSize || sizeof(void*) != 8);
+    static_assert(alignof(pthread_mutex_t) <= 8);
+
+    constexpr pthread_mutex_t kRecursive = PTHREAD_RECURSIVE_MUTEX_INITIALIZER_NP;
+    new (section_.data()) pthread_mutex_t(kRecursive);
+}
+
+CriticalSection::~CriticalSection() { pthread_mutex_destroy(mutexIn(section_.data())); }
+
+void CriticalSection::enter() noexcept { pthread_mutex_lock(mutexIn(section_.data())); }
+
+void CriticalSection::leave() noexcept { pthread_mutex_unlock(mutexIn(section_.data())); }
+
+}  // namespace vexa::platform

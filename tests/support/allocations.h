@@ -1,0 +1,33 @@
+#pragma once
+
+#include <cstddef>
+
+namespace vexa::test {
+
+/// What the code under test asked the heap for while this object lives: `malloc`, `calloc` and
+/// `realloc` of the library and of the test itself, this thread's alone.
+class AllocationWatch {
+   public:
+    AllocationWatch();
+    AllocationWatch(const AllocationWatch&) = delete;
+    AllocationWatch& operator=(const AllocationWatch&) = delete;
+    ~AllocationWatch();
+
+    /// Requests so far, refused ones included.
+    [[nodiscard]] int requests() const;
+    /// Bytes asked for so far, by requests that were met.
+    [[nodiscard]] std::size_t bytes() const;
+    /// Blocks taken and not given back since.
+    [[nodiscard]] int blocksInUse() const;
+};
+
+/// Refuses the n-th allocation, counted from 1, and no other.
+class AllocationFailure : public AllocationWatch {
+   public:
+    explicit AllocationFailure(int nth);
+
+    /// Whether so many allocations were asked for that one was refused.
+    [[nodiscard]] bool happened() const;
+};
+
+}  // namespace vexa::test

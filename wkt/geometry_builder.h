@@ -1,0 +1,56 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+
+#include "geometry/block.h"
+#include "geometry/layout.h"
+
+namespace vexa {
+
+/// Lays a geometry out as its text is read: every vertex is stored once, where it stays, and counts
+/// are put into their words when a list closes. The bytes are those that the constructors and
+/// appends leave, stale size words included, without their walk over all earlier parts.
+///
+/// Every step that may need memory tells whether there was any.
+class GeometryBuilder {
+   public:
+    bool beginCollection();
+    void endCollection();
+
+    bool beginGeometry(VexaGeometryType type);
+    void endGeometry();
+
+    /// A linestring, a ring, or a line. Points and multipoints have no parts.
+    bool beginPart();
+    void endPart();
+
+    bool addVertex(const Point3d& vertex);
+
+    /// The finished block, cut to its length.
+    Block take();
+
+   private:
+    bool reserve(std::size_t bytes);
+    bool appendWords(std::uint32_t first, std::uint32_t second);
+    void setWord(std::size_t offset, std::uint32_t value);
+    std::uint32_t sizeWord() const;
+
+    std::unique_ptr<std::byte, FreeBlock> bytes_;
+    std::size_t used_ = 0;
+    std::size_t capacity_ = 0;
+
+    std::size_t geometryStart_ = 0;
+    VexaGeometryType type_ = VEXA_POINT;
+    std::uint32_t partCount_ = 0;
+    std::size_t firstPartEnd_ = 0;
+
+    std::size_t runStart_ = 0;
+    std::uint32_t vertexCount_ = 0;
+
+    bool inCollection_ = false;
+    std::uint32_t memberCount_ = 0;
+};
+
+}  // namespace vexa

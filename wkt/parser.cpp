@@ -1,0 +1,19 @@
+#include "wkt/parser.h"
+
+#include "wkt/generated/grammar.h"
+
+namespace vexa {
+
+std::uint32_t Parser::parse(const char* text, Block& result) {
+    errorText_.front() = '\0';
+    if (!text) return kNoText;
+
+    const ScanBufferHandle buffer = scanBytes(text);
+    ParseRun run{*buffer, errorText_};
+    const int status = vexaGrammar_parse(run);
+    if (run.outOfMemory) return kFailure;
+    if (status == VEXA_SUCCESS) result = run.geometry.take();
+    return static_cast<std::uint32_t>(status);
+}
+
+}  // namespace vexa

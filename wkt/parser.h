@@ -1,0 +1,26 @@
+#pragma once
+
+#include <cstdint>
+
+#include "geometry/block.h"
+#include "wkt/parse_run.h"
+
+namespace vexa {
+
+/// Statuses that are negative to callers with signed results.
+constexpr std::uint32_t kNoText = static_cast<std::uint32_t>(VEXA_NO_TEXT);
+constexpr std::uint32_t kArrayTooSmall = static_cast<std::uint32_t>(VEXA_ARRAY_TOO_SMALL);
+
+/// The parser of the process: one parse at a time.
+class Parser {
+   public:
+    /// Makes a geometry of a text, or tells why not; the error text goes with it.
+    std::uint32_t parse(const char* text, Block& result);
+
+    const char* errorText() const { return errorText_.data(); }
+
+   private:
+    ErrorText errorText_{};
+};
+
+}  // namespace vexa

@@ -5,7 +5,7 @@ add_library(vexakit_settings INTERFACE)
 target_compile_options(vexakit_settings INTERFACE
     # Formulas give the same bits on every target and at every vector width.
     -ffp-contract=off
-    -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Wcast-qual -Wundef
+    -Wall -Wextra -Wpedantic -Wconversion -Wcast-qual -Wundef
     $<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor -Woverloaded-virtual>
     # Every field that a braced list leaves out has a default.
     $<$<COMPILE_LANGUAGE:CXX>:-Wno-missing-field-initializers>)

@@ -25,10 +25,18 @@ set(VEXAKIT_PLATFORM_SOURCES
     critical_section.cpp
     decimal_point.cpp
     number_print.cpp)
+# Windows knows its code pages itself; its tests compare these with them.
+set(VEXAKIT_CODE_PAGE_SOURCES
+    platform/posix/code_pages.cpp
+    platform/posix/locale_charset.cpp
+    platform/posix/utf8.cpp
+    platform/posix/tables/double_byte.cpp
+    platform/posix/tables/single_byte.cpp)
 if(WIN32)
     list(TRANSFORM VEXAKIT_PLATFORM_SOURCES PREPEND platform/windows/)
 else()
     list(TRANSFORM VEXAKIT_PLATFORM_SOURCES PREPEND platform/posix/)
+    list(APPEND VEXAKIT_PLATFORM_SOURCES ${VEXAKIT_CODE_PAGE_SOURCES})
 endif()
 
 # A generated machine keeps its generator's habits.
@@ -42,6 +50,11 @@ target_include_directories(vexakit_objects PUBLIC
     ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/include)
 target_compile_definitions(vexakit_objects PRIVATE VEXAKIT_BUILDING)
 target_link_libraries(vexakit_objects PRIVATE vexakit_settings)
+target_compile_options(vexakit_objects PRIVATE
+    # Not for the tests: the macros of GoogleTest shadow.
+    -Wshadow
+    # A second name of a function does not inherit what the compiler found out about the first.
+    $<$<CXX_COMPILER_ID:GNU>:-Wno-missing-attributes>)
 
 add_library(vexakit SHARED)
 add_library(vexakit::vexakit ALIAS vexakit)

@@ -1,9 +1,9 @@
-#include <cstring>
-#include <span>
-
 #include "geometry/layout.h"
 #include "geometry/walkers.h"
 #include "vexakit/geometry.h"
+
+#include <cstring>
+#include <span>
 
 using namespace vexa;
 
@@ -23,8 +23,8 @@ std::uint32_t vertexCount(const PathList& paths) {
 
 /// The free slots of the caller's array and the number of those taken.
 struct Room {
-    Point3d* points;
-    std::uint32_t capacity;
+    Point3d* points = nullptr;
+    std::uint32_t capacity = 0;
     std::uint32_t copied = 0;
 };
 
@@ -68,7 +68,7 @@ std::uint32_t copyPoints(const Vertices& vertices, std::uint32_t capacity, Point
 }
 
 bool isOfType(const GeometryBuffer* geometry, VexaGeometryType type) {
-    return geometry && geometry->type == static_cast<std::uint32_t>(type);
+    return geometry != nullptr && geometry->type == static_cast<std::uint32_t>(type);
 }
 
 /// The index-th path or polygon of a buffer of the given type, or null.
@@ -153,8 +153,8 @@ uint32_t vexaWKB_mpointGetPoint(const GeometryBuffer* geometry, uint32_t index, 
     return kSuccess;
 }
 
-uint32_t vexaWKB_mpointGetPoints(const GeometryBuffer* geometry, uint32_t capacity,
-                                 Point3d* points, uint32_t* copied) {
+uint32_t vexaWKB_mpointGetPoints(const GeometryBuffer* geometry, uint32_t capacity, Point3d* points,
+                                 uint32_t* copied) {
     if (!isOfType(geometry, VEXA_MULTIPOINT) || !points || !copied) return kFailure;
 
     const std::span<const Point3d> source = pointsOf(pointArrayOf(*geometry));

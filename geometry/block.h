@@ -1,10 +1,10 @@
 #pragma once
 
+#include "vexakit/types.h"
+
 #include <cstdint>
 #include <cstdlib>
 #include <memory>
-
-#include "vexakit/types.h"
 
 namespace vexa {
 

@@ -1,11 +1,11 @@
-#include <cstring>
-#include <span>
-
 #include "geometry/block.h"
 #include "geometry/layout.h"
 #include "geometry/size.h"
 #include "geometry/walkers.h"
 #include "vexakit/geometry.h"
+
+#include <cstring>
+#include <span>
 
 using namespace vexa;
 
@@ -24,7 +24,7 @@ constexpr std::uint64_t kLineRunReserve = 8;
 
 /// Writes a body front to back, every list with one element.
 class BodyWriter {
-   public:
+public:
     explicit BodyWriter(void* position) : position_(static_cast<std::byte*>(position)) {}
 
     BodyWriter& words(std::uint32_t first, std::uint32_t second) {
@@ -43,7 +43,7 @@ class BodyWriter {
         return words(static_cast<std::uint32_t>(points.size()), 0).BodyWriter::points(points);
     }
 
-   private:
+private:
     BodyWriter& bytes(const void* source, std::size_t count) {
         std::memcpy(position_, source, count);
         position_ += count;
@@ -57,9 +57,9 @@ using WriteBody = BodyWriter& (BodyWriter::*)(Points);
 
 /// What a constructor makes: a header, and a body of `headers` bytes before the vertices.
 struct Shape {
-    VexaGeometryType type;
-    std::uint64_t headers;
-    WriteBody write;
+    VexaGeometryType type{};
+    std::uint64_t headers = 0;
+    WriteBody write = nullptr;
     std::uint64_t reserve = 0;
     bool sized = true;
 };
@@ -92,9 +92,9 @@ std::uint32_t create(const Shape& shape, const Point3d* points, std::uint32_t co
 
 /// What an append writes behind the last element of a list, whose count is the body's first word.
 struct Growth {
-    std::size_t (*currentSize)(const GeometryBuffer&);
-    std::uint64_t headers;
-    WriteBody write;
+    std::size_t (*currentSize)(const GeometryBuffer&) = nullptr;
+    std::uint64_t headers = 0;
+    WriteBody write = nullptr;
     std::uint64_t reserve = 0;
 };
 
@@ -117,7 +117,9 @@ std::uint32_t append(const Growth& growth, const Point3d* points, std::uint32_t 
     return kSuccess;
 }
 
-bool hasSize(std::uint32_t type) { return type >= VEXA_POINT && type <= VEXA_RESERVED; }
+bool hasSize(std::uint32_t type) {
+    return type >= VEXA_POINT && type <= VEXA_RESERVED;
+}
 
 }  // namespace
 

@@ -1,10 +1,10 @@
 #pragma once
 
+#include "vexakit/types.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <span>
-
-#include "vexakit/types.h"
 
 namespace vexa {
 
@@ -54,8 +54,12 @@ Element* after(Structure& structure) {
     return reinterpret_cast<Element*>(&structure + 1);
 }
 
-inline const Point3d& pointOf(const GeometryBuffer& point) { return *after<Point3d>(point); }
-inline const Path& pathOf(const GeometryBuffer& line) { return *after<Path>(line); }
+inline const Point3d& pointOf(const GeometryBuffer& point) {
+    return *after<Point3d>(point);
+}
+inline const Path& pathOf(const GeometryBuffer& line) {
+    return *after<Path>(line);
+}
 inline const PathList& pathListOf(const GeometryBuffer& geometry) {
     return *after<PathList>(geometry);
 }

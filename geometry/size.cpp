@@ -21,7 +21,7 @@ std::size_t multiPointSize(const GeometryBuffer& multiPoint) {
 
 std::size_t multiPolygonSize(const GeometryBuffer& multiPolygon) {
     const PolygonList& polygons = polygonListOf(multiPolygon);
-    const PathList* polygon = after<PathList>(polygons);
+    const auto* polygon = after<PathList>(polygons);
     for (std::uint32_t left = polygons.polygonCount; left != 0; --left) {
         polygon = skipPathList(*polygon);
     }
@@ -32,6 +32,7 @@ namespace {
 
 // A member that adds nothing stays where the next round looks, and that round finds what this one
 // found: the loop has its result.
+// NOLINTNEXTLINE(misc-no-recursion): as deep as the collections are nested
 std::uint32_t collectionSize(const GeometryBuffer& collection) {
     const MemberList& members = memberListOf(collection);
     const auto* cursor = after<std::byte>(members);
@@ -58,6 +59,7 @@ std::uint32_t sizeOfLayout(const GeometryBuffer* geometry, std::uint32_t* size) 
 
 }  // namespace
 
+// NOLINTNEXTLINE(misc-no-recursion): as deep as the collections are nested
 std::uint32_t computedSize(const GeometryBuffer& geometry, std::uint32_t& size) {
     const auto tell = [&size](std::size_t bytes) {
         size = static_cast<std::uint32_t>(bytes);
@@ -76,6 +78,7 @@ std::uint32_t computedSize(const GeometryBuffer& geometry, std::uint32_t& size) 
     }
 }
 
+// NOLINTNEXTLINE(misc-no-recursion): as deep as the collections are nested
 std::uint32_t knownOrComputedSize(const GeometryBuffer& geometry, std::uint32_t& size) {
     if (geometry.size == 0) return computedSize(geometry, size);
 

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "geometry/layout.h"
+
 #include <cstddef>
 #include <cstdint>
-
-#include "geometry/layout.h"
 
 namespace vexa {
 

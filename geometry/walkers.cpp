@@ -5,13 +5,13 @@
 namespace vexa {
 
 const Path* skipPath(const Path& path) {
-    const PointRun* run = after<PointRun>(path);
+    const auto* run = after<PointRun>(path);
     for (std::uint32_t left = path.runCount; left != 0; --left) run = skipRun(*run);
     return reinterpret_cast<const Path*>(run);
 }
 
 const PathList* skipPathList(const PathList& paths) {
-    const Path* path = after<Path>(paths);
+    const auto* path = after<Path>(paths);
     for (std::uint32_t left = paths.pathCount; left != 0; --left) path = skipPath(*path);
     return reinterpret_cast<const PathList*>(path);
 }

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "geometry/layout.h"
+
 #include <cstddef>
 #include <cstdint>
-
-#include "geometry/layout.h"
 
 /// The one place that steps through the nested lists of a body.
 namespace vexa {
@@ -24,19 +24,27 @@ const PathList* skipPathList(const PathList& paths);
 const GeometryBuffer* skipCollectionMember(const GeometryBuffer* member);
 
 /// Bytes that bring a size up to a multiple of 8: 0 to 7.
-constexpr std::uint32_t paddingTo8(std::uint32_t size) { return (8 - size % 8) % 8; }
+constexpr std::uint32_t paddingTo8(std::uint32_t size) {
+    return (8 - size % 8) % 8;
+}
 
-inline const PointRun* nextElement(const PointRun& run) { return skipRun(run); }
-inline const Path* nextElement(const Path& path) { return skipPath(path); }
-inline const PathList* nextElement(const PathList& polygon) { return skipPathList(polygon); }
+inline const PointRun* nextElement(const PointRun& run) {
+    return skipRun(run);
+}
+inline const Path* nextElement(const Path& path) {
+    return skipPath(path);
+}
+inline const PathList* nextElement(const PathList& polygon) {
+    return skipPathList(polygon);
+}
 
 /// A counted list as a range. An element is skipped by its own counts, when the loop moves on from
 /// it: nothing behind the last one is read, nor the last one's own parts.
 template <class Element>
 class CountedList {
-   public:
+public:
     class Iterator {
-       public:
+    public:
         Iterator(const Element* element, std::uint32_t remaining)
             : element_(element), remaining_(remaining) {}
         const Element& operator*() const { return *element_; }
@@ -46,7 +54,7 @@ class CountedList {
         }
         bool operator!=(const Iterator& other) const { return remaining_ != other.remaining_; }
 
-       private:
+    private:
         const Element* element_;
         std::uint32_t remaining_;
     };
@@ -55,7 +63,7 @@ class CountedList {
     Iterator begin() const { return {first_, count_}; }
     Iterator end() const { return {nullptr, 0}; }
 
-   private:
+private:
     const Element* first_;
     std::uint32_t count_;
 };

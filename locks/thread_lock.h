@@ -7,7 +7,7 @@ namespace vexa {
 
 /// One re-entrant lock of this process, on its own or as one of several slots.
 class ThreadLock {
-   public:
+public:
     ThreadLock() = default;
     ThreadLock(const ThreadLock&) = delete;
     ThreadLock& operator=(const ThreadLock&) = delete;
@@ -16,7 +16,7 @@ class ThreadLock {
     void enter() noexcept { section_.enter(); }
     void leave() noexcept { section_.leave(); }
 
-   private:
+private:
     platform::CriticalSection section_;
 };
 

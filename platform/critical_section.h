@@ -8,7 +8,7 @@ namespace vexa::platform {
 /// A re-entrant lock of one process, owned by a thread: each `enter` of the owner is undone by one
 /// `leave`. Making one cannot fail.
 class CriticalSection {
-   public:
+public:
     CriticalSection() noexcept;
     CriticalSection(const CriticalSection&) = delete;
     CriticalSection& operator=(const CriticalSection&) = delete;
@@ -17,9 +17,9 @@ class CriticalSection {
     void enter() noexcept;
     void leave() noexcept;
 
-   private:
+private:
     static constexpr std::size_t kSize = 40;
-    alignas(8) std::array<std::byte, kSize> section_;
+    alignas(8) std::array<std::byte, kSize> section_{};
 };
 
 }  // namespace vexa::platform

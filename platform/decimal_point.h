@@ -1,8 +1,8 @@
 #pragma once
 
-#include <string_view>
-
 #include "vexakit/types.h"
+
+#include <string_view>
 
 namespace vexa::platform {
 

@@ -1,7 +1,7 @@
-#include <cstdlib>
-
 #include "vexakit/strings.h"
 #include "vexakit/types.h"
+
+#include <cstdlib>
 
 uint32_t string_freeA(void* block) {
     if (!block) return VEXA_FAILURE;

@@ -9,7 +9,6 @@ namespace {
 
 constexpr std::size_t kFirstReservation = 256;
 
-constexpr std::size_t kTypeWord = offsetof(GeometryBuffer, type);
 constexpr std::size_t kSizeWord = offsetof(GeometryBuffer, size);
 constexpr std::size_t kCountWord = sizeof(GeometryBuffer);
 
@@ -24,7 +23,9 @@ bool GeometryBuilder::beginCollection() {
     return appendWords(1, 1) && appendWords(VEXA_GEOMETRYCOLLECTION, 0) && appendWords(0, 0);
 }
 
-void GeometryBuilder::endCollection() { setWord(kCountWord, memberCount_); }
+void GeometryBuilder::endCollection() {
+    setWord(kCountWord, memberCount_);
+}
 
 bool GeometryBuilder::beginGeometry(VexaGeometryType type) {
     geometryStart_ = used_;

@@ -1,11 +1,11 @@
 #pragma once
 
+#include "geometry/block.h"
+#include "geometry/layout.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <memory>
-
-#include "geometry/block.h"
-#include "geometry/layout.h"
 
 namespace vexa {
 
@@ -15,7 +15,7 @@ namespace vexa {
 ///
 /// Every step that may need memory tells whether there was any.
 class GeometryBuilder {
-   public:
+public:
     bool beginCollection();
     void endCollection();
 
@@ -31,7 +31,7 @@ class GeometryBuilder {
     /// The finished block, cut to its length.
     Block take();
 
-   private:
+private:
     bool reserve(std::size_t bytes);
     bool appendWords(std::uint32_t first, std::uint32_t second);
     void setWord(std::size_t offset, std::uint32_t value);

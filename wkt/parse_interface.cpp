@@ -1,11 +1,11 @@
-#include <cstring>
-
 #include "geometry/size.h"
 #include "locks/thread_lock.h"
 #include "vexakit/conversion.h"
 #include "vexakit/strings.h"
 #include "vexakit/wkt.h"
 #include "wkt/parser.h"
+
+#include <cstring>
 
 using namespace vexa;
 
@@ -60,11 +60,15 @@ std::uint32_t sizeOfText(const VexaWChar* text, std::uint32_t* size) {
     return kSuccess;
 }
 
-std::int64_t withSign(std::uint32_t status) { return static_cast<std::int32_t>(status); }
+std::int64_t withSign(std::uint32_t status) {
+    return static_cast<std::int32_t>(status);
+}
 
 }  // namespace
 
-uint32_t vexaParse_initialize(void) { return kSuccess; }
+uint32_t vexaParse_initialize(void) {
+    return kSuccess;
+}
 
 extern "C" [[gnu::alias("vexaParse_initialize")]] uint32_t vexaParse_uninitialize(void);
 
@@ -78,7 +82,9 @@ uint32_t vexaParse_string(const char* text, GeometryBuffer** result) {
     return kSuccess;
 }
 
-const char* vexaParse_errorString(void) { return parser.errorText(); }
+const char* vexaParse_errorString(void) {
+    return parser.errorText();
+}
 
 int64_t vexaWKB_convertTextToBinary(const VexaWChar* text, void* out, uint32_t capacity) {
     return withSign(toBinary(text, out, capacity));

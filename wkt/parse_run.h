@@ -1,10 +1,10 @@
 #pragma once
 
-#include <array>
-#include <string_view>
-
 #include "wkt/geometry_builder.h"
 #include "wkt/scanner.h"
+
+#include <array>
+#include <string_view>
 
 namespace vexa {
 

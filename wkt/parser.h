@@ -1,9 +1,9 @@
 #pragma once
 
-#include <cstdint>
-
 #include "geometry/block.h"
 #include "wkt/parse_run.h"
+
+#include <cstdint>
 
 namespace vexa {
 
@@ -13,13 +13,13 @@ constexpr std::uint32_t kArrayTooSmall = static_cast<std::uint32_t>(VEXA_ARRAY_T
 
 /// The parser of the process: one parse at a time.
 class Parser {
-   public:
+public:
     /// Makes a geometry of a text, or tells why not; the error text goes with it.
     std::uint32_t parse(const char* text, Block& result);
 
     const char* errorText() const { return errorText_.data(); }
 
-   private:
+private:
     ErrorText errorText_{};
 };
 

@@ -1,9 +1,9 @@
 #include "wkt/point_text.h"
 
+#include "platform/number_print.h"
+
 #include <algorithm>
 #include <array>
-
-#include "platform/number_print.h"
 
 namespace vexa {
 
@@ -33,9 +33,9 @@ std::int64_t printPoint(const Point3d& point, const PointFormat& format, VexaWCh
     const auto length = static_cast<std::int64_t>(text.size());
     if (length > room) return -1;
 
-    VexaWChar* const end =
-        std::transform(text.begin(), text.end(), out,
-                       [](char character) { return static_cast<VexaWChar>(character); });
+    VexaWChar* const end = std::transform(text.begin(), text.end(), out, [](char character) {
+        return static_cast<VexaWChar>(character);
+    });
     if (format.decimalPoint != '.') {
         std::replace(out, end, static_cast<VexaWChar>('.'), format.decimalPoint);
     }

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "vexakit/types.h"
+
 #include <cstdint>
 #include <string_view>
-
-#include "vexakit/types.h"
 
 namespace vexa {
 

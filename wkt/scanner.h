@@ -1,15 +1,15 @@
 #pragma once
 
-#include <string_view>
-
 #include "wkt/scan_buffer.h"
+
+#include <string_view>
 
 namespace vexa {
 
 /// Splits a text into the tokens of the grammar. Longest match; characters that belong to no token
 /// go to standard output as they are met, and are skipped.
 class Scanner {
-   public:
+public:
     /// The buffer outlives the scan.
     explicit Scanner(const ScanBuffer& buffer);
 
@@ -19,10 +19,12 @@ class Scanner {
     /// The token last given, as it was written; empty at the end.
     std::string_view tokenText() const { return token_; }
 
-   private:
+private:
+    unsigned char* plainNumber(unsigned char* first, double& value) const;
     int found(int code, unsigned char* first, unsigned char* last);
 
     unsigned char* cursor_;
+    const char* end_;
     std::string_view token_;
     bool pointIsDecimal_;
 };

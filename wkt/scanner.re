@@ -1,6 +1,7 @@
 // The tokens of well-known text, for re2c: longest match, the earlier rule among equals.
 #include "wkt/scanner.h"
 
+#include <charconv>
 #include <cstdio>
 
 #include "platform/decimal_point.h"
@@ -23,6 +24,7 @@ void echo(const unsigned char* first, const unsigned char* last) {
 
 Scanner::Scanner(const ScanBuffer& buffer)
     : cursor_(reinterpret_cast<unsigned char*>(buffer.block)),
+      end_(buffer.block + buffer.size),
       pointIsDecimal_(platform::decimalPoint() == ".") {}
 
 int Scanner::found(int code, unsigned char* first, unsigned char* last) {
@@ -31,11 +33,31 @@ int Scanner::found(int code, unsigned char* first, unsigned char* last) {
     return code;
 }
 
+// Most of a text is numbers without an exponent: finding their end and their value in one go saves
+// the machine below a step a digit. Null where there is none here, or one that needs a closer look.
+unsigned char* Scanner::plainNumber(unsigned char* first, double& value) const {
+    const unsigned char* const digit = *first == '-' ? first + 1 : first;
+    if (*digit < '0' || *digit > '9') return nullptr;
+
+    const char* const text = reinterpret_cast<const char*>(first);
+    double number = 0;
+    const auto result = std::from_chars(text, end_, number, std::chars_format::fixed);
+    if (result.ec != std::errc{} || *result.ptr == 'e' || *result.ptr == 'E') return nullptr;
+
+    value = number;
+    return first + (result.ptr - text);
+}
+
 int Scanner::next(double& value) {
     unsigned char* cursor = cursor_;
     unsigned char* marker = cursor;
     for (;;) {
         unsigned char* const first = cursor;
+        if (pointIsDecimal_) {
+            if (unsigned char* const last = plainNumber(first, value)) {
+                return found(TOK_REAL, first, last);
+            }
+        }
         /*!re2c
         re2c:yyfill:enable = 0;
         re2c:indent:string = "    ";

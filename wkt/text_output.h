@@ -1,16 +1,16 @@
 #pragma once
 
+#include "vexakit/types.h"
+
 #include <cstdint>
 #include <string_view>
-
-#include "vexakit/types.h"
 
 namespace vexa {
 
 /// The caller's array while a text is written into it. The room is counted, never an end address:
 /// it may be anything up to the largest 64-bit number.
 class TextOutput {
-   public:
+public:
     TextOutput(VexaWChar* out, std::int64_t capacity) : out_(out), room_(capacity) {}
 
     std::int64_t written() const { return written_; }
@@ -32,7 +32,7 @@ class TextOutput {
         room_ -= count;
     }
 
-   private:
+private:
     VexaWChar* out_;
     std::int64_t written_ = 0;
     std::int64_t room_;

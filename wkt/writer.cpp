@@ -1,12 +1,12 @@
-#include <atomic>
-#include <string_view>
-
 #include "geometry/layout.h"
 #include "geometry/walkers.h"
 #include "platform/decimal_point.h"
 #include "vexakit/wkt.h"
 #include "wkt/point_text.h"
 #include "wkt/text_output.h"
+
+#include <atomic>
+#include <string_view>
 
 using namespace vexa;
 
@@ -73,7 +73,7 @@ std::int64_t listText(std::string_view keyword, const GeometryBuffer* geometry, 
     TextOutput text{out, capacity};
     text.put(keyword);
     const MemberList& list = memberListOf(*geometry);  // all lists begin alike
-    const Element* element = after<Element>(list);
+    const auto* element = after<Element>(list);
     for (std::uint32_t left = list.memberCount; left != 0; --left) {
         const std::int64_t length = writeElement(element, text.position(), text.room());
         if (length < 1) return kDoesNotFit;
@@ -110,14 +110,15 @@ const Element* stepOver(const Element* element) {
 
 }  // namespace
 
-int64_t vexaWKT_getPrecision(void) { return writerPrecision.load(std::memory_order_relaxed); }
+int64_t vexaWKT_getPrecision(void) {
+    return writerPrecision.load(std::memory_order_relaxed);
+}
 
 int64_t vexaWKT_setPrecision(int32_t precision) {
     return writerPrecision.exchange(precision, std::memory_order_relaxed);
 }
 
-int64_t vexaWKT_pointList(uint64_t count, const Point3d* points, VexaWChar* out,
-                          int64_t capacity) {
+int64_t vexaWKT_pointList(uint64_t count, const Point3d* points, VexaWChar* out, int64_t capacity) {
     return pointListText(count, points, out, capacity, false);
 }
 
@@ -153,13 +154,13 @@ int64_t vexaWKT_polygon(const GeometryBuffer* geometry, VexaWChar* out, int64_t 
 int64_t vexaWKT_multipoint(const GeometryBuffer* geometry, VexaWChar* out, int64_t capacity) {
     return simpleText("multipoint(", geometry, out, capacity,
                       [](const GeometryBuffer& multiPoint, VexaWChar* body, std::int64_t room) {
-                          const std::span<const Point3d> points = pointsOf(pointArrayOf(multiPoint));
+                          const std::span<const Point3d> points =
+                              pointsOf(pointArrayOf(multiPoint));
                           return vexaWKT_multipointList(points.size(), points.data(), body, room);
                       });
 }
 
-int64_t vexaWKT_multilinestring(const GeometryBuffer* geometry, VexaWChar* out,
-                                int64_t capacity) {
+int64_t vexaWKT_multilinestring(const GeometryBuffer* geometry, VexaWChar* out, int64_t capacity) {
     return listText<Path>("multilinestring(", geometry, out, capacity, vexaWKT_sublineSeq,
                           stepOver<Path>);
 }
@@ -190,8 +191,8 @@ int64_t vexaWKT_sublineSeq(const Path* path, VexaWChar* out, int64_t capacity) {
         if (text.room() < 1) break;
 
         text.put("(");
-        const std::int64_t length = vexaWKT_pointList(run.pointCount, verticesOf(run).data(),
-                                                      text.position(), text.room());
+        const std::int64_t length =
+            vexaWKT_pointList(run.pointCount, verticesOf(run).data(), text.position(), text.room());
         if (length < 1 || text.room() == length) return kDoesNotFit;
         text.advance(length);
         text.put(")");

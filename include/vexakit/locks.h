@@ -27,11 +27,8 @@ namespace Oreval {
  */
 template <class Resource, class ReleasePolicy, class ObtainPolicy>
 class ScopedResource {
-   public:
-    explicit ScopedResource(Resource resource) : resource_(resource) {
-        ObtainPolicy()(resource_);
-        held_ = true;
-    }
+public:
+    explicit ScopedResource(Resource resource) : resource_(resource) { ObtainPolicy()(resource_); }
 
     ScopedResource(const ScopedResource&) = delete;
     ScopedResource& operator=(const ScopedResource&) = delete;
@@ -45,8 +42,8 @@ class ScopedResource {
         ReleasePolicy()(resource_);
     }
 
-   private:
-    bool held_ = false;
+private:
+    bool held_ = true;
     Resource resource_;
 };
 

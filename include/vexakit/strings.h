@@ -1,9 +1,9 @@
 #ifndef VEXAKIT_STRINGS_H
 #define VEXAKIT_STRINGS_H
 
-#include <stdint.h>
-
 #include "vexakit/export.h"
+
+#include <stdint.h>
 
 VEXA_BEGIN_DECLS
 

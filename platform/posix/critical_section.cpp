@@ -1,8 +1,7 @@
 #include "platform/critical_section.h"
 
-#include <pthread.h>
-
 #include <new>
+#include <pthread.h>
 
 namespace vexa::platform {
 
@@ -14,7 +13,7 @@ pthread_mutex_t* mutexIn(std::byte* section) {
 
 }  // namespace
 
-CriticalSection::CriticalSection() noexcept : section_{} {
+CriticalSection::CriticalSection() noexcept {
     static_assert(sizeof(pthread_mutex_t) <= kSize || sizeof(void*) != 8);
     static_assert(alignof(pthread_mutex_t) <= 8);
 
@@ -22,10 +21,16 @@ CriticalSection::CriticalSection() noexcept : section_{} {
     new (section_.data()) pthread_mutex_t(kRecursive);
 }
 
-CriticalSection::~CriticalSection() { pthread_mutex_destroy(mutexIn(section_.data())); }
+CriticalSection::~CriticalSection() {
+    pthread_mutex_destroy(mutexIn(section_.data()));
+}
 
-void CriticalSection::enter() noexcept { pthread_mutex_lock(mutexIn(section_.data())); }
+void CriticalSection::enter() noexcept {
+    pthread_mutex_lock(mutexIn(section_.data()));
+}
 
-void CriticalSection::leave() noexcept { pthread_mutex_unlock(mutexIn(section_.data())); }
+void CriticalSection::leave() noexcept {
+    pthread_mutex_unlock(mutexIn(section_.data()));
+}
 
 }  // namespace vexa::platform

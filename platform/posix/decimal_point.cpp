@@ -1,12 +1,13 @@
 #include "platform/decimal_point.h"
 
-#include <langinfo.h>
-
 #include <cwchar>
+#include <langinfo.h>
 
 namespace vexa::platform {
 
-std::string_view decimalPoint() noexcept { return nl_langinfo(RADIXCHAR); }
+std::string_view decimalPoint() noexcept {
+    return nl_langinfo(RADIXCHAR);  // NOLINT(concurrency-mt-unsafe): as the numbers themselves are
+}
 
 VexaWChar wideDecimalPoint() noexcept {
     const std::string_view point = decimalPoint();
@@ -14,6 +15,7 @@ VexaWChar wideDecimalPoint() noexcept {
 
     wchar_t wide = L'.';
     std::mbstate_t state{};
+    // NOLINTNEXTLINE(concurrency-mt-unsafe): the state is its own
     const std::size_t used = std::mbrtowc(&wide, point.data(), point.size(), &state);
     return used == point.size() ? static_cast<VexaWChar>(wide) : u'.';
 }

@@ -12,16 +12,22 @@ CRITICAL_SECTION* systemSection(std::byte* section) {
 
 }  // namespace
 
-CriticalSection::CriticalSection() noexcept : section_{} {
+CriticalSection::CriticalSection() noexcept {
     static_assert(sizeof(CRITICAL_SECTION) <= kSize && alignof(CRITICAL_SECTION) <= 8);
 
     InitializeCriticalSection(systemSection(section_.data()));
 }
 
-CriticalSection::~CriticalSection() { DeleteCriticalSection(systemSection(section_.data())); }
+CriticalSection::~CriticalSection() {
+    DeleteCriticalSection(systemSection(section_.data()));
+}
 
-void CriticalSection::enter() noexcept { EnterCriticalSection(systemSection(section_.data())); }
+void CriticalSection::enter() noexcept {
+    EnterCriticalSection(systemSection(section_.data()));
+}
 
-void CriticalSection::leave() noexcept { LeaveCriticalSection(systemSection(section_.data())); }
+void CriticalSection::leave() noexcept {
+    LeaveCriticalSection(systemSection(section_.data()));
+}
 
 }  // namespace vexa::platform

@@ -5,7 +5,9 @@
 
 namespace vexa::platform {
 
-std::string_view decimalPoint() noexcept { return std::localeconv()->decimal_point; }
+std::string_view decimalPoint() noexcept {
+    return std::localeconv()->decimal_point;
+}
 
 VexaWChar wideDecimalPoint() noexcept {
     const std::string_view point = decimalPoint();

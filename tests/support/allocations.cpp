@@ -66,18 +66,32 @@ void __wrap_free(void* block) {
 
 namespace vexa::test {
 
-AllocationWatch::AllocationWatch() { counters = {.watching = true}; }
+AllocationWatch::AllocationWatch() {
+    counters = {.watching = true};
+}
 
-AllocationWatch::~AllocationWatch() { counters = {}; }
+AllocationWatch::~AllocationWatch() {
+    counters = {};
+}
 
-int AllocationWatch::requests() const { return counters.requests; }
+int AllocationWatch::requests() const {
+    return counters.requests;
+}
 
-std::size_t AllocationWatch::bytes() const { return counters.bytes; }
+std::size_t AllocationWatch::bytes() const {
+    return counters.bytes;
+}
 
-int AllocationWatch::blocksInUse() const { return counters.blocks; }
+int AllocationWatch::blocksInUse() const {
+    return counters.blocks;
+}
 
-AllocationFailure::AllocationFailure(int nth) { counters.failAt = nth; }
+AllocationFailure::AllocationFailure(int nth) {
+    counters.failAt = nth;
+}
 
-bool AllocationFailure::happened() const { return counters.refused > 0; }
+bool AllocationFailure::happened() const {
+    return counters.refused > 0;
+}
 
 }  // namespace vexa::test

@@ -7,7 +7,7 @@ namespace vexa::test {
 /// What the code under test asked the heap for while this object lives: `malloc`, `calloc` and
 /// `realloc` of the library and of the test itself, this thread's alone.
 class AllocationWatch {
-   public:
+public:
     AllocationWatch();
     AllocationWatch(const AllocationWatch&) = delete;
     AllocationWatch& operator=(const AllocationWatch&) = delete;
@@ -23,7 +23,7 @@ class AllocationWatch {
 
 /// Refuses the n-th allocation, counted from 1, and no other.
 class AllocationFailure : public AllocationWatch {
-   public:
+public:
     explicit AllocationFailure(int nth);
 
     /// Whether so many allocations were asked for that one was refused.

@@ -41,7 +41,7 @@ std::uint32_t collectionSize(const GeometryBuffer& collection) {
     for (std::uint32_t left = members.memberCount; left != 0; --left) {
         const auto& member = *reinterpret_cast<const GeometryBuffer*>(cursor);
         if (knownOrComputedSize(member, size) != kSuccess) break;
-        size += paddingTo8(size);
+        size = roundedTo8(size);
         if (size == 0) break;
         total += size;
         cursor += size;

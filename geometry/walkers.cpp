@@ -23,7 +23,7 @@ const GeometryBuffer* skipCollectionMember(const GeometryBuffer* member) {
     if (knownOrComputedSize(*member, size) != kSuccess) return nullptr;
 
     const auto* const bytes = reinterpret_cast<const std::byte*>(member);
-    return reinterpret_cast<const GeometryBuffer*>(bytes + size + paddingTo8(size));
+    return reinterpret_cast<const GeometryBuffer*>(bytes + roundedTo8(size));
 }
 
 }  // namespace vexa

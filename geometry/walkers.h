@@ -28,6 +28,11 @@ constexpr std::uint32_t paddingTo8(std::uint32_t size) {
     return (8 - size % 8) % 8;
 }
 
+/// The multiple of 8 that a member of that size takes; wraps to 0 for the largest sizes.
+constexpr std::uint32_t roundedTo8(std::uint32_t size) {
+    return size + paddingTo8(size);
+}
+
 inline const PointRun* nextElement(const PointRun& run) {
     return skipRun(run);
 }

@@ -1,13 +1,31 @@
 #include "platform/ansi_code_page.h"
+
+#include "platform/posix/code_pages.h"
+#include "platform/posix/locale_charset.h"
+
+#include <cstdlib>
+
 namespace vexa::platform {
-int wideToAnsi(const VexaWChar* source, int length, char* out, int room) noexcept {
-    int n = 0;
-    do {
-        if (length == -1 || n < length) {
-            if (room && n < room) out[n] = static_cast<char>(source[n]);
-            ++n;
-        }
-    } while (length == -1 ? source[n - 1] != 0 : n < length);
-    return n;
+
+namespace {
+
+const char* variable(const char* name) noexcept {
+    return std::getenv(name);  // NOLINT(concurrency-mt-unsafe): nothing else runs yet
 }
+
+CodePage environmentsPage() noexcept {
+    const unsigned number =
+        codePageOfLocale(variable("LC_ALL"), variable("LC_CTYPE"), variable("LANG"));
+    return findCodePage(number).value_or(CodePage{});
+}
+
+// Read once, at load: a later setlocale() or setenv() must not change stored text.
+const CodePage kAnsiPage = environmentsPage();
+
+}  // namespace
+
+int wideToAnsi(const VexaWChar* source, int length, char* out, int room) noexcept {
+    return wideToCodePage(kAnsiPage, source, length, out, room);
+}
+
 }  // namespace vexa::platform

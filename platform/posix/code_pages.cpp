@@ -1,0 +1,113 @@
+#include "platform/posix/code_pages.h"
+
+#include "platform/posix/code_page_tables.h"
+#include "platform/posix/utf8.h"
+#include "platform/posix/wide_units.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <limits>
+#include <span>
+
+namespace vexa::platform {
+
+namespace {
+
+using Text = std::span<const VexaWChar>;
+using Room = std::span<char>;
+
+char codeOf(const tables::SingleBytePage& page, VexaWChar unit) {
+    const unsigned block = page.blocks[unit / tables::kBlockUnits];
+    return static_cast<char>(tables::kSingleByteBlocks[block][unit % tables::kBlockUnits]);
+}
+
+unsigned codeOf(const tables::DoubleBytePage& page, VexaWChar unit) {
+    const unsigned block = page.blocks[unit / tables::kBlockUnits];
+    return tables::kDoubleByteBlocks[block][unit % tables::kBlockUnits];
+}
+
+std::size_t sizeOf(unsigned code) {
+    return code > 0xFF ? 2 : 1;
+}
+
+std::size_t sizeIn(const tables::DoubleBytePage& page, Text text) {
+    return sumOfBytes(text.data(), text.size(),
+                      [&](std::size_t i) { return sizeOf(codeOf(page, text[i])); });
+}
+
+std::size_t sizeIn(const CodePage& page, Text text) {
+    if (page.singleByte) return text.size();
+    if (page.doubleByte) return sizeIn(*page.doubleByte, text);
+    return utf8Size(text);
+}
+
+std::size_t convert(const tables::SingleBytePage& page, Text text, Room room) {
+    const std::size_t count = std::min(text.size(), room.size());
+    std::size_t i = 0;
+    for (; count - i >= kUnitsAtOnce; i += kUnitsAtOnce) {
+        const VexaWChar* units = &text[i];
+        char* bytes = &room[i];
+        if (packAscii(units, bytes)) continue;
+        for (std::size_t k = 0; k < kUnitsAtOnce; ++k) bytes[k] = codeOf(page, units[k]);
+    }
+    for (; i < count; ++i) room[i] = codeOf(page, text[i]);
+    return count == text.size() ? count : 0;
+}
+
+std::size_t convert(const tables::DoubleBytePage& page, Text text, Room room) {
+    std::size_t used = 0;
+    while (!text.empty()) {
+        const std::size_t left = room.size() - used;
+        if (text[0] < 0x80 && left > 0) {
+            const std::size_t ascii =
+                copyAscii(text.data(), std::min(text.size(), left), &room[used]);
+            used += ascii;
+            text = text.subspan(ascii);
+            continue;
+        }
+        const unsigned code = codeOf(page, text[0]);
+        if (left < sizeOf(code)) return 0;
+        if (sizeOf(code) == 2) room[used++] = static_cast<char>(code >> 8);
+        room[used++] = static_cast<char>(code);
+        text = text.subspan(1);
+    }
+    return used;
+}
+
+std::size_t convert(const CodePage& page, Text text, Room room) {
+    if (page.singleByte) return convert(*page.singleByte, text, room);
+    if (page.doubleByte) return convert(*page.doubleByte, text, room);
+    return wideToUtf8(text, room);
+}
+
+template <typename Page>
+const Page* find(std::span<const Page> pages, unsigned number) {
+    const auto page = std::find_if(pages.begin(), pages.end(),
+                                   [=](const Page& one) { return one.number == number; });
+    return page == pages.end() ? nullptr : &*page;
+}
+
+}  // namespace
+
+std::optional<CodePage> findCodePage(unsigned number) noexcept {
+    if (number == kUtf8Page) return CodePage{};
+
+    const CodePage page = {find<tables::SingleBytePage>(tables::kSingleBytePages, number),
+                           find<tables::DoubleBytePage>(tables::kDoubleBytePages, number)};
+    if (!page.singleByte && !page.doubleByte) return std::nullopt;
+    return page;
+}
+
+int wideToCodePage(CodePage page, const VexaWChar* source, int length, char* out,
+                   int room) noexcept {
+    if (length == 0 || length < -1 || room < 0) return 0;
+
+    const std::size_t units =
+        length == -1 ? wideLength(source) + 1 : static_cast<std::size_t>(length);
+    const Text text{source, units};
+    const std::size_t bytes =
+        room == 0 ? sizeIn(page, text) : convert(page, text, {out, static_cast<std::size_t>(room)});
+    return bytes <= std::numeric_limits<int>::max() ? static_cast<int>(bytes) : 0;
+}
+
+}  // namespace vexa::platform

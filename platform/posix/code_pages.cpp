@@ -100,7 +100,7 @@ std::optional<CodePage> findCodePage(unsigned number) noexcept {
 
 int wideToCodePage(CodePage page, const VexaWChar* source, int length, char* out,
                    int room) noexcept {
-    if (length == 0 || length < -1 || room < 0) return 0;
+    if (length < -1 || room < 0) return 0;
 
     const std::size_t units =
         length == -1 ? wideLength(source) + 1 : static_cast<std::size_t>(length);

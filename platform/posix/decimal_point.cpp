@@ -1,6 +1,6 @@
 #include "platform/decimal_point.h"
 
-#include <cwchar>
+#include <cstdint>
 #include <langinfo.h>
 
 namespace vexa::platform {
@@ -9,15 +9,16 @@ std::string_view decimalPoint() noexcept {
     return nl_langinfo(RADIXCHAR);  // NOLINT(concurrency-mt-unsafe): as the numbers themselves are
 }
 
+// The wide functions have a point of their own, which does not depend on the locale's characters. The
+// C library hands the number out in the place of the text's address.
 VexaWChar wideDecimalPoint() noexcept {
-    const std::string_view point = decimalPoint();
-    if (point.size() == 1) return static_cast<unsigned char>(point.front());
-
-    wchar_t wide = L'.';
-    std::mbstate_t state{};
-    // NOLINTNEXTLINE(concurrency-mt-unsafe): the state is its own
-    const std::size_t used = std::mbrtowc(&wide, point.data(), point.size(), &state);
-    return used == point.size() ? static_cast<VexaWChar>(wide) : u'.';
+#ifdef __GLIBC__
+    // NOLINTNEXTLINE(concurrency-mt-unsafe): as the numbers themselves are
+    const char* const point = nl_langinfo(_NL_NUMERIC_DECIMAL_POINT_WC);
+    return static_cast<VexaWChar>(reinterpret_cast<std::uintptr_t>(point));
+#else
+    return static_cast<unsigned char>(decimalPoint().front());
+#endif
 }
 
 }  // namespace vexa::platform

@@ -23,7 +23,9 @@ constexpr bool kTiesGoAwayFromZero = true;
 #endif
 
 char* printByRuntime(char* out, double value, int precision) {
-    const int length = _snprintf(out, kLongestNumber, "%.*g", precision, value);
+    // A precision below -1 is not the default to every runtime.
+    const int digits = precision < 0 ? kDefaultPrecision : precision;
+    const int length = _snprintf(out, kLongestNumber, "%.*g", digits, value);
     char* const end = out + std::clamp(length, 0, kLongestNumber);
     std::replace(out, end, *std::localeconv()->decimal_point, '.');
     return end;

@@ -96,6 +96,8 @@ const PageCase kPageCases[] = {
      "a"},
     {"Utf8PairBehindAHighSurrogate", 65001, units(0xD83D, 0xD83D, 0xDE00),
      "\xEF\xBF\xBD\xF0\x9F\x98\x80"},
+    {"Utf8LowSurrogateBehindALetter", 65001, units('a', 0xDE00), "a\xEF\xBF\xBD"},
+    {"Utf8TwoLowSurrogates", 65001, units(0xDC00, 0xDC01), "\xEF\xBF\xBD\xEF\xBF\xBD"},
     {"Utf8SurrogatesInWrongOrder", 65001, units(0xDE00, 0xD83D), "\xEF\xBF\xBD\xEF\xBF\xBD"},
 };
 INSTANTIATE_TEST_SUITE_P(Table, WideToCodePage, testing::ValuesIn(kPageCases),
@@ -235,6 +237,18 @@ TEST_P(EveryCodePage, RefusesLengthsAndRoomsThatAreNone) {
     EXPECT_EQ(toPage(GetParam())(text.c_str(), -2, untouched, 8), 0);
     EXPECT_EQ(toPage(GetParam())(text.c_str(), 3, untouched, -1), 0);
     EXPECT_STREQ(untouched, "????????");
+}
+
+TEST(WideToCodePageUtf8, LooksAtNothingOutsideTheText) {
+    const WideString pair = units(0xD83D, 0xDE00);
+    const std::string replacement = "\xEF\xBF\xBD";
+
+    for (const VexaWChar* half : {pair.data(), pair.data() + 1}) {
+        std::string bytes(3, kUntouchedByte);
+        EXPECT_EQ(toPage(65001)(half, 1, nullptr, 0), 3);
+        EXPECT_EQ(toPage(65001)(half, 1, bytes.data(), 3), 3);
+        EXPECT_EQ(bytes, replacement);
+    }
 }
 
 TEST(WideToCodePageStraddling, ALeadByteIsNotWrittenWithoutItsTrail) {

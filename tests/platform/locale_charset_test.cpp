@@ -56,6 +56,7 @@ constexpr LocaleCase kLocaleCases[] = {
     {"UnknownCharset", "hy_AM.ARMSCII-8", 1252},
     {"CharsetWithoutADot", "UTF-8", 1252},
     {"EndlessName", "x.utf8utf8utf8utf8utf8utf8utf8utf8utf8", 1252},
+    {"NameTooLongToBeKept", "x.CP00000000000000000012519", 1252},
     {"NameThatStartsLikeAKnownOne", "x.utf88", 1252},
     {"NameThatEndsLikeAKnownOne", "x.xutf8", 1252},
     {"ModifierAlone", "de_DE@euro", 1252},

@@ -71,7 +71,7 @@ TEST(WcsToMbsAlloc, GivesWhatTheAnsiCodePageGives) {
     EXPECT_EQ(text.get(), expected);
 }
 
-TEST(WcsToMbsAlloc, TheCallerOwnsOneBlockThatHoldsTheStringAndOneByteMore) {
+TEST(WcsToMbsAlloc, TheCallerOwnsOneBlockOfTheStringsBytesAndOneMore) {
     const WideString source = wide("LINESTRING Z (0 0 0, 1 1 1)");
     const AllocationWatch watch;
 
@@ -79,6 +79,7 @@ TEST(WcsToMbsAlloc, TheCallerOwnsOneBlockThatHoldsTheStringAndOneByteMore) {
     ASSERT_EQ(stringCnv_wcsToMbsAlloc(source.c_str(), &text), kSuccess);
 
     EXPECT_EQ(watch.requests(), 1);
+    EXPECT_EQ(watch.bytes(), source.size() + 2);
     EXPECT_EQ(watch.blocksInUse(), 1);
     EXPECT_EQ(string_freeA(text), kSuccess);
     EXPECT_EQ(watch.blocksInUse(), 0);

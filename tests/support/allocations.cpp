@@ -1,11 +1,12 @@
 #include "tests/support/allocations.h"
 
+#include <atomic>
 #include <cstdlib>
+#include <thread>
 
 namespace {
 
 struct Counters {
-    bool watching = false;
     int requests = 0;
     int refused = 0;
     std::size_t bytes = 0;
@@ -13,18 +14,25 @@ struct Counters {
     int failAt = 0;
 };
 
-thread_local Counters counters;
+// Not thread-local: where the compiler emulates that, the first access allocates.
+Counters counters;
+std::atomic<bool> isWatching{false};
+std::thread::id watcher;
+
+bool isWatched() {
+    return isWatching.load(std::memory_order_acquire) && watcher == std::this_thread::get_id();
+}
 
 // Whether the request that is being made is to be met.
 bool isMet() {
-    if (!counters.watching) return true;
+    if (!isWatched()) return true;
     if (++counters.requests != counters.failAt) return true;
     ++counters.refused;
     return false;
 }
 
 void* counted(void* block, std::size_t bytes, int blocks) {
-    if (block && counters.watching) {
+    if (block && isWatched()) {
         counters.bytes += bytes;
         counters.blocks += blocks;
     }
@@ -59,7 +67,7 @@ void* __wrap_realloc(void* block, std::size_t bytes) {
 }
 
 void __wrap_free(void* block) {
-    if (block && counters.watching) --counters.blocks;
+    if (block && isWatched()) --counters.blocks;
     __real_free(block);
 }
 }
@@ -67,11 +75,13 @@ void __wrap_free(void* block) {
 namespace vexa::test {
 
 AllocationWatch::AllocationWatch() {
-    counters = {.watching = true};
+    counters = {};
+    watcher = std::this_thread::get_id();
+    isWatching.store(true, std::memory_order_release);
 }
 
 AllocationWatch::~AllocationWatch() {
-    counters = {};
+    isWatching.store(false, std::memory_order_release);
 }
 
 int AllocationWatch::requests() const {

@@ -5,7 +5,7 @@
 namespace vexa::test {
 
 /// What the code under test asked the heap for while this object lives: `malloc`, `calloc` and
-/// `realloc` of the library and of the test itself, this thread's alone.
+/// `realloc` of the library and of the test itself, this thread's alone. One at a time.
 class AllocationWatch {
 public:
     AllocationWatch();

@@ -68,6 +68,17 @@ std::string outputOf(Action action) {
     return testing::internal::GetCapturedStdout();
 }
 
+/// What `atof` makes of a token.
+inline double runtimeNumber(const std::string& token) {
+#ifdef _WIN32
+    // The `atof` of the system rounds some numbers wrongly. The compiler brings along a `strtod` that
+    // does not, but for which the first of two minus signs is the sign of a zero.
+    return token.starts_with("--") ? 0 : std::strtod(token.c_str(), nullptr);
+#else
+    return std::atof(token.c_str());
+#endif
+}
+
 // ---- Geometries --------------------------------------------------------------------------------
 
 using Points = std::vector<Point3d>;

@@ -74,23 +74,13 @@ Match longestMatch(std::string_view text) {
     });
 }
 
-// As `atof` reads it. The runtime of Windows rounds some numbers wrongly; its `strtod`, which the
-// compiler brings along, does not.
-double valueOf(const std::string& token) {
-#ifdef _WIN32
-    return std::strtod(token.c_str(), nullptr);
-#else
-    return std::atof(token.c_str());
-#endif
-}
-
 std::vector<Token> tokensByRule(std::string_view text, std::string& echo) {
     std::vector<Token> tokens;
     while (!text.empty()) {
         const auto [length, code] = longestMatch(text);
         const std::string token{text.substr(0, length)};
         if (code == kStray) echo += token;
-        if (code == 261) tokens.push_back({code, token, valueOf(token)});
+        if (code == 261) tokens.push_back({code, token, runtimeNumber(token)});
         if (code > 0 && code != 261) tokens.push_back({code, token});
         text.remove_prefix(length);
     }

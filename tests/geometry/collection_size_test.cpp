@@ -1,7 +1,6 @@
 #include "tests/support/geometry_samples.h"
 #include "vexakit/geometry.h"
 
-#include <chrono>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -138,11 +137,9 @@ class CollectionOfBillions : public testing::TestWithParam<StandingMember> {};
 
 TEST_P(CollectionOfBillions, EndsAtOnceWhereAMemberAddsNothing) {
     const Words geometry = joined({headerWords(7), {0xFFFF'FFFF, 0}, GetParam().member});
-    const auto start = std::chrono::steady_clock::now();
 
-    EXPECT_EQ(computedSizeOf(geometry), 24U);
-
-    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds{1});
+    // Counted through, this many rounds over billions of members would outlast any patience.
+    for (int round = 0; round < 1000; ++round) ASSERT_EQ(computedSizeOf(geometry), 24U);
 }
 
 INSTANTIATE_TEST_SUITE_P(Table, CollectionOfBillions, testing::ValuesIn(kStandingMembers),

@@ -1,7 +1,9 @@
 #include "tests/support/allocations.h"
 
 #include <atomic>
+#include <cstddef>
 #include <cstdlib>
+#include <new>
 #include <thread>
 
 namespace {
@@ -18,6 +20,10 @@ struct Counters {
 Counters counters;
 std::atomic<bool> isWatching{false};
 std::thread::id watcher;
+
+// Requests to operator new before the one that is refused; 0 when none is to be.
+std::atomic<int> newsLeft{0};
+std::atomic<bool> isNewRefused{false};
 
 bool isWatched() {
     return isWatching.load(std::memory_order_acquire) && watcher == std::this_thread::get_id();
@@ -43,6 +49,7 @@ void* counted(void* block, std::size_t bytes, int blocks) {
 
 // The linker sends the program's calls of `malloc` to `__wrap_malloc`, and `__real_malloc` to the
 // heap.
+// NOLINTBEGIN(bugprone-reserved-identifier,readability-identifier-naming): the linker's names
 extern "C" {
 void* __real_malloc(std::size_t bytes);
 void* __real_calloc(std::size_t count, std::size_t bytes);
@@ -71,8 +78,71 @@ void __wrap_free(void* block) {
     __real_free(block);
 }
 }
+// NOLINTEND(bugprone-reserved-identifier,readability-identifier-naming)
+
+// ---- operator new, of the whole program ---------------------------------------------------------
+
+namespace {
+
+void* newBlock(std::size_t bytes) {
+    if (newsLeft.load(std::memory_order_relaxed) > 0 && watcher == std::this_thread::get_id() &&
+        --newsLeft == 0) {
+        isNewRefused = true;
+        throw std::bad_alloc{};
+    }
+    void* const block = __real_malloc(bytes == 0 ? 1 : bytes);
+    if (!block) throw std::bad_alloc{};
+    return block;
+}
+
+}  // namespace
+
+void* operator new(std::size_t bytes) {
+    return newBlock(bytes);
+}
+void* operator new[](std::size_t bytes) {
+    return newBlock(bytes);
+}
+// The program asks for no alignment beyond that of the heap.
+void* operator new(std::size_t bytes, std::align_val_t alignment) {
+    if (static_cast<std::size_t>(alignment) > alignof(std::max_align_t)) throw std::bad_alloc{};
+    return newBlock(bytes);
+}
+void operator delete(void* block, std::align_val_t) noexcept {
+    __real_free(block);
+}
+void operator delete(void* block, std::size_t, std::align_val_t) noexcept {
+    __real_free(block);
+}
+
+void operator delete(void* block) noexcept {
+    __real_free(block);
+}
+void operator delete[](void* block) noexcept {
+    __real_free(block);
+}
+void operator delete(void* block, std::size_t) noexcept {
+    __real_free(block);
+}
+void operator delete[](void* block, std::size_t) noexcept {
+    __real_free(block);
+}
 
 namespace vexa::test {
+
+NewFailure::NewFailure(int nth) {
+    watcher = std::this_thread::get_id();
+    isNewRefused = false;
+    newsLeft = nth;
+}
+
+NewFailure::~NewFailure() {
+    newsLeft = 0;
+}
+
+bool NewFailure::happened() const {
+    return isNewRefused;
+}
 
 AllocationWatch::AllocationWatch() {
     counters = {};

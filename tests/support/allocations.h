@@ -30,4 +30,16 @@ public:
     [[nodiscard]] bool happened() const;
 };
 
+/// Refuses the n-th request to `operator new` of this thread, counted from 1, with std::bad_alloc.
+class NewFailure {
+public:
+    explicit NewFailure(int nth);
+    NewFailure(const NewFailure&) = delete;
+    NewFailure& operator=(const NewFailure&) = delete;
+    ~NewFailure();
+
+    /// Whether so many were asked for that one was refused.
+    [[nodiscard]] bool happened() const;
+};
+
 }  // namespace vexa::test

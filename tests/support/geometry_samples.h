@@ -4,7 +4,7 @@
 #include "geometry/layout.h"
 #include "vexakit/geometry.h"
 
-#include <array>
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>

@@ -53,8 +53,9 @@ inline std::vector<Token> tokensOf(std::string_view text) {
     const ScanBufferHandle buffer = scanBytes(text);
     Scanner scanner{*buffer};
     std::vector<Token> tokens;
-    do tokens.push_back(nextOf(scanner));
-    while (tokens.back().code != 0);
+    do {
+        tokens.push_back(nextOf(scanner));
+    } while (tokens.back().code != 0);
     return tokens;
 }
 
@@ -111,7 +112,7 @@ inline Block builtFrom(VexaGeometryType type, const Parts& parts) {
 
     GeometryBuffer* geometry = nullptr;
     if (type == VEXA_POINT) {
-        EXPECT_EQ(vexaWKB_createPoint(&parts[0][0], &geometry), 0U);
+        EXPECT_EQ(vexaWKB_createPoint(parts[0].data(), &geometry), 0U);
         return Block{geometry};
     }
     const auto count = [](const Points& part) { return static_cast<std::uint32_t>(part.size()); };

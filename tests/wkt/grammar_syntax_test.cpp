@@ -1,4 +1,5 @@
 #include "tests/support/parse_support.h"
+#include "wkt/parse_run.h"
 
 namespace vexa::test {
 
@@ -152,6 +153,21 @@ TEST_P(GrammarRejects, TextAtTheTokenThatDoesNotFit) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Table, GrammarRejects, testing::ValuesIn(kRejected), kRowName);
+
+// ---- The other message -------------------------------------------------------------------------
+
+// Lists are read from the left, so no text is deep enough to bring it about.
+TEST(ParseRunReport, QuotesTheTokenBehindTheStackLimitToo) {
+    const ScanBufferHandle buffer = scanBytes("point(");
+    ErrorText error{};
+    ParseRun run{*buffer, error};
+
+    run.report("parser stack overflow");
+    EXPECT_STREQ(error.data(), "parser stack overflow, at or near \"\"\n");
+    nextOf(run.scanner);
+    run.report("parser stack overflow");
+    EXPECT_STREQ(error.data(), "parser stack overflow, at or near \"point\"\n");
+}
 
 // ---- Long tokens -------------------------------------------------------------------------------
 

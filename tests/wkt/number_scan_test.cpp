@@ -15,7 +15,7 @@ namespace {
 constexpr char kBehind = '7';  // a digit, which a reader without an end would take along
 
 // The number of a token in the midst of a text.
-double numberIn(std::string token, bool isPoint = true) {
+double numberIn(const std::string& token, bool isPoint = true) {
     const std::string text = token + kBehind;
     std::string scanned = text;
     const double value = numberOf({scanned.data(), token.size()}, isPoint);

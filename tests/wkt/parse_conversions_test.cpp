@@ -200,7 +200,12 @@ constexpr VexaWChar kGuardCharacter = 0x7E7E;
 
 /// Room for text, of guard characters.
 WideText untouchedText() {
-    return WideText(64, kGuardCharacter);
+    WideText text(64, kGuardCharacter);
+    return text;
+}
+
+WideText upToZero(const WideText& text) {
+    return text.substr(0, text.find(VexaWChar{0}));
 }
 
 struct Room {
@@ -226,7 +231,7 @@ TEST_P(BinaryToText, CountsTheRoomInBytes) {
     EXPECT_EQ(vexaWKB_convertBinaryToText(point.get(), text.data(), row.bytes), row.result);
 
     if (row.result == 12) {
-        EXPECT_EQ(WideText{text.c_str()}, widened("point(1 2 3)"));
+        EXPECT_EQ(upToZero(text), widened("point(1 2 3)"));
     }
     const auto room = static_cast<std::size_t>(row.bytes) / 2;
     EXPECT_EQ(text.substr(room), untouchedText().substr(room));
@@ -240,7 +245,7 @@ TEST(BinaryToText, TakesANegativeRoomForAHugeOne) {
         WideText text = untouchedText();
 
         EXPECT_EQ(vexaWKB_convertBinaryToText(point.get(), text.data(), room), 12);
-        EXPECT_EQ(WideText{text.c_str()}, widened("point(1 2 3)"));
+        EXPECT_EQ(upToZero(text), widened("point(1 2 3)"));
     }
 }
 
@@ -260,7 +265,7 @@ TEST(BinaryToText, WritesEveryType) {
 
         EXPECT_EQ(vexaWKB_convertBinaryToText(geometry.get(), text.data(), 128),
                   static_cast<std::int64_t>(std::string_view{expected}.size()));
-        EXPECT_EQ(WideText{text.c_str()}, widened(expected));
+        EXPECT_EQ(upToZero(text), widened(expected));
     }
 }
 

@@ -65,7 +65,7 @@ TEST_P(ParseMemory, IsAskedForInFewPiecesAndGrowsWithTheText) {
 
     // A hundred times the text is seven doublings; where a doubling falls makes up for the rest.
     EXPECT_LE(large.requests, small.requests + 8);
-    EXPECT_LE(large.bytes, 100 * 3 * small.bytes);
+    EXPECT_LE(large.bytes, 3 * (100 * small.bytes));
 }
 
 TEST_P(ParseMemory, IsGivenBackButForTheResult) {

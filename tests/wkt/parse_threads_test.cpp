@@ -86,6 +86,30 @@ TEST(ParseThreads, LeaveTheErrorTextOfOneOfThem) {
     EXPECT_TRUE(isOfOne) << error;
 }
 
+// Each stray goes out by itself, so two parses at once would mix theirs.
+TEST(ParseThreads, EchoOneTextAfterTheOther) {
+    constexpr std::size_t kStrays = 100;
+    constexpr std::string_view kLetters = "abcdfhij";
+    constexpr std::size_t kEchoes = 5'000;
+
+    const std::string echo = outputOf([&] {
+        inAllThreads([&](int number) {
+            std::string text;
+            for (std::size_t i = 0; i < kStrays; ++i) {
+                text += kLetters[static_cast<std::size_t>(number)];
+                text += ' ';
+            }
+            for (std::size_t round = 0; round < kEchoes; ++round)
+                vexaParse_string(text.c_str(), nullptr);
+        });
+    });
+
+    ASSERT_EQ(echo.size(), kThreads * kEchoes * kStrays);
+    for (std::size_t from = 0; from < echo.size(); from += kStrays) {
+        ASSERT_EQ(echo.substr(from, kStrays), std::string(kStrays, echo[from])) << from;
+    }
+}
+
 TEST(ParseThreads, MayComeThroughEveryDoor) {
     const WideText text = widened("LINESTRING(0 0 0,1 1 1)");
     const Block expected = parsed("LINESTRING(0 0 0,1 1 1)").geometry;

@@ -10,6 +10,8 @@ namespace vexa::test {
 
 namespace {
 
+using namespace std::string_view_literals;
+
 // ---- Blocks ------------------------------------------------------------------------------------
 
 TEST(ScanBytes, CopiesTheTextWithTwoZeroBytesBehindIt) {
@@ -20,7 +22,7 @@ TEST(ScanBytes, CopiesTheTextWithTwoZeroBytesBehindIt) {
     text.assign(text.size(), '#');
 
     EXPECT_EQ(buffer->size, 14U);
-    EXPECT_EQ((std::string_view{buffer->block, 14}), std::string_view("POINT(1 2 3)\0", 14));
+    EXPECT_EQ((std::string_view{buffer->block, 14}), "POINT(1 2 3)\0\0"sv);
     EXPECT_TRUE(buffer->owned);
 }
 
@@ -29,7 +31,7 @@ TEST(ScanBytes, TakesAnEmptyText) {
     ASSERT_TRUE(buffer);
 
     EXPECT_EQ(buffer->size, 2U);
-    EXPECT_EQ((std::string_view{buffer->block, 2}), std::string_view("\0", 2));
+    EXPECT_EQ((std::string_view{buffer->block, 2}), "\0\0"sv);
 }
 
 TEST(ScanBytes, AsksForTwoBytesMoreThanTheTextAndForTheRecord) {
@@ -60,7 +62,7 @@ TEST(ScanBuffer, TakesABlockAsItStands) {
         EXPECT_EQ(heap.blocksInUse(), 1);
     }
     EXPECT_EQ(heap.blocksInUse(), 0);
-    EXPECT_EQ((std::string_view{block.data(), 4}), std::string_view("()\0", 4));
+    EXPECT_EQ((std::string_view{block.data(), 4}), "()\0\0"sv);
 }
 
 TEST(ScanBuffer, IsScannedUpToItsZeroBytes) {

@@ -270,7 +270,8 @@ TEST(Scanner, EchoesEveryByteThatBeginsNoToken) {
         SCOPED_TRACE(byte);
 
         std::vector<Token> tokens;
-        EXPECT_EQ(outputOf([&] { tokens = tokensOf(text + "(" + text); }), text + text);
+        const std::string aroundAToken = text + '(' + text;
+        EXPECT_EQ(outputOf([&] { tokens = tokensOf(aroundAToken); }), text + text);
         EXPECT_EQ(tokens, (std::vector{open(), end()}));
     }
 }

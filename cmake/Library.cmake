@@ -3,10 +3,23 @@
 set(VEXAKIT_SOURCES
     geometry/accessors.cpp
     geometry/construction.cpp
+    geometry/intersection/dispatch.cpp
+    geometry/intersection/edge_crossings.cpp
+    geometry/intersection/pair_tests.cpp
+    geometry/intersection/pairwise.cpp
+    geometry/intersection/polygon_polygon.cpp
+    geometry/intersection/prepared_polygon.cpp
+    geometry/intersection/ring_classification.cpp
+    geometry/intersection/ring_frame.cpp
+    geometry/intersection/segment_distance.cpp
+    geometry/intersection/segment_set.cpp
+    geometry/range.cpp
     geometry/size.cpp
     geometry/walkers.cpp
     strings/conversion.cpp
     strings/release.cpp
+    transform/geometry_transform.cpp
+    transform/matrix.cpp
     wkt/geometry_builder.cpp
     wkt/number_scan.cpp
     wkt/parse_interface.cpp

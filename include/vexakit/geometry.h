@@ -91,7 +91,8 @@ VEXA_API uint32_t vexaWKB_destroyGeomCollection(GeometryBuffer** geometry);
 /**
  * Appends one run of vertices to a linestring.
  *
- * @param[in]     points    array of `count` vertices of 24 bytes; copied, not kept
+ * @param[in]     points    array of `count` vertices of 24 bytes; copied, not kept. Not within the
+ *                          buffer itself, which may move before they are read.
  * @param[in]     count     vertices to append, at least 1
  * @param[in,out] geometry  the caller's handle. On success it holds the grown buffer, which may
  *                          have moved; on failure handle and buffer are as before.
@@ -158,6 +159,35 @@ VEXA_API uint32_t vexaWKB_calculateSize(const GeometryBuffer* geometry, uint32_t
 
 /** The `size` word where it is not 0, else what `vexaWKB_calculateSize` gives. */
 VEXA_API uint32_t vexaWKB_getSize(const GeometryBuffer* geometry, uint32_t* size);
+
+/* ---- Ranges ---------------------------------------------------------------------------------- */
+
+/**
+ * The axis-aligned box of all vertices of a buffer, z included.
+ *
+ * @param[in]  geometry  a buffer of the function's type; the type word is not looked at
+ * @param[out] low       receives the least coordinates
+ * @param[out] high      receives the greatest coordinates
+ * @return 0; 0x8000 for a null pointer, with nothing written.
+ *
+ * Without vertices the box is empty: low +infinity, high -infinity. A NaN gets into the low corner
+ * and is displaced by the next value; it gets into the high corner only as the first value of a run,
+ * ring, line or polygon, whose other values are then lost to it.
+ */
+VEXA_API uint32_t vexaWKB_getPointRange(const GeometryBuffer* geometry, Point3d* low,
+                                        Point3d* high);
+VEXA_API uint32_t vexaWKB_getLineRange(const GeometryBuffer* geometry, Point3d* low, Point3d* high);
+VEXA_API uint32_t vexaWKB_getPolygonRange(const GeometryBuffer* geometry, Point3d* low,
+                                          Point3d* high);
+VEXA_API uint32_t vexaWKB_getMultiPointRange(const GeometryBuffer* geometry, Point3d* low,
+                                             Point3d* high);
+VEXA_API uint32_t vexaWKB_getMultiLineRange(const GeometryBuffer* geometry, Point3d* low,
+                                            Point3d* high);
+VEXA_API uint32_t vexaWKB_getMultiPolygonRange(const GeometryBuffer* geometry, Point3d* low,
+                                               Point3d* high);
+
+/** The box of a buffer of type 1 to 6 by its type's function; 0x8000 also for any other type. */
+VEXA_API uint32_t vexaWKB_getRange(const GeometryBuffer* geometry, Point3d* low, Point3d* high);
 
 /* ---- Reading --------------------------------------------------------------------------------- */
 

@@ -57,6 +57,20 @@ typedef struct Point3d {
     double z;
 } Point3d;
 
+/** An axis-aligned box: its least and its greatest corner. */
+typedef struct Range3d {
+    Point3d low;
+    Point3d high;
+} Range3d;
+
+/**
+ * An affine transform: a 3-by-4 matrix, row by row. A point (x, y, z) maps to
+ * (m0 x + m1 y + m2 z + m3, m4 x + m5 y + m6 z + m7, m8 x + m9 y + m10 z + m11).
+ */
+typedef struct Transform {
+    double m[12];
+} Transform;
+
 /**
  * The 16 bytes at the start of every geometry buffer; the body follows them at once.
  *

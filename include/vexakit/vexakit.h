@@ -6,8 +6,10 @@
 #include "vexakit/conversion.h"
 #include "vexakit/export.h"
 #include "vexakit/geometry.h"
+#include "vexakit/intersection.h"
 #include "vexakit/locks.h"
 #include "vexakit/strings.h"
+#include "vexakit/transform.h"
 #include "vexakit/types.h"
 #include "vexakit/wkt.h"
 

@@ -34,7 +34,8 @@ INSTANTIATE_TEST_SUITE_P(
     Table, SharedName,
     testing::Values(std::pair{"vexaWKB_destroyGeom", "vexaWKB_destroyGeomCollection"},
                     std::pair{"vexaParse_initialize", "vexaParse_uninitialize"},
-                    std::pair{"string_freeA", "string_freeW"}),
+                    std::pair{"string_freeA", "string_freeW"},
+                    std::pair{"vexaWKB_transformPolygon", "vexaWKB_transformMultiLine"}),
     [](const auto& info) { return std::string{info.param.second}; });
 
 // Keeps the program linked to the library, and shows that a call through it arrives.

@@ -1,0 +1,96 @@
+#include "tests/support/intersection_random.h"
+
+#include "vexakit/intersection.h"
+
+#include <array>
+#include <cstdint>
+#include <string>
+
+#include <gtest/gtest.h>
+
+namespace vexa::test {
+namespace {
+
+/// A family of random pairs: each of the 36 ordered pairs of types so many times.
+struct Family {
+    const char* name;
+    Placing placing;
+    std::size_t largest;  ///< vertices of a run, about
+    std::size_t specials;
+    int rounds;
+    double scale = 1;
+    double shift = 0;
+};
+
+constexpr Family kFamilies[] = {
+    {"SmallOnAGrid", Placing::kGrid, 8, 0, 60},
+    {"SmallInAPlane", Placing::kPlane, 8, 0, 60},
+    {"SmallOnAShearedGrid", Placing::kShearedGrid, 8, 0, 60},
+    {"SmallInATiltedPlane", Placing::kTiltedPlane, 8, 0, 60},
+    {"SmallInCells", Placing::kCells, 6, 0, 60},
+    {"SmallInSpace", Placing::kSpace, 8, 0, 60},
+    {"SmallNearlyFlat", Placing::kNearlyFlat, 8, 0, 60},
+    {"WithSpecialsOnAGrid", Placing::kGrid, 8, 12, 80},
+    {"WithSpecialsInSpace", Placing::kSpace, 8, 12, 60},
+    {"MiddlingOnAGrid", Placing::kGrid, 50, 0, 10},
+    {"MiddlingInAPlane", Placing::kPlane, 50, 0, 10},
+    {"MiddlingInATiltedPlane", Placing::kTiltedPlane, 50, 0, 10},
+    {"MiddlingInSpace", Placing::kSpace, 50, 0, 10},
+    {"MiddlingWithSpecials", Placing::kPlane, 60, 200, 10},
+    {"FarFromTheOrigin", Placing::kGrid, 8, 0, 30, 1, 1e6},
+    {"InATiltedPlaneFarFromTheOrigin", Placing::kTiltedPlane, 30, 0, 10, 1, -1e7},
+    {"SquaresUnderflow", Placing::kGrid, 8, 0, 30, 0x1p-540},
+    {"SquaresUnderflowInSpace", Placing::kSpace, 30, 0, 10, 0x1p-540},
+    {"SubnormalOnAGrid", Placing::kGrid, 8, 0, 30, 0x1p-1070},
+    {"SquaresOverflow", Placing::kGrid, 8, 0, 30, 0x1p+530},
+    {"SquaresOverflowInATiltedPlane", Placing::kTiltedPlane, 30, 0, 10, 0x1p+510},
+    {"DifferencesOverflow", Placing::kPlane, 30, 0, 10, 0x1p+1021},
+    {"LargeInAPlane", Placing::kPlane, 300, 0, 2},
+    {"LargeOnAGrid", Placing::kGrid, 300, 0, 2},
+    {"LargeInATiltedPlane", Placing::kTiltedPlane, 300, 0, 2},
+    {"LargeWithSpecials", Placing::kPlane, 300, 1000, 2},
+};
+
+class IntersectGeometryAtRandom : public testing::TestWithParam<Family> {};
+
+TEST_P(IntersectGeometryAtRandom, LeavesTheFlagOfThePlainWalk) {
+    const Family& family = GetParam();
+    std::array<int, 2> seen{};
+    for (int round = 0; round < family.rounds; ++round) {
+        for (std::uint32_t pair = 0; pair < 36; ++pair) {
+            const std::uint64_t seed = 1000003ULL * static_cast<unsigned>(round) + pair;
+            RandomShapes random(seed, family.placing, family.largest);
+            random.sprinkleSpecials(family.specials);
+            random.resize(family.scale, family.shift);
+            const Shape first = random.ofType(pair / 6 + 1);
+            const Shape second = random.ofType(pair % 6 + 1);
+            const double tolerance = random.tolerance();
+            const Bytes firstBuffer = bufferOf(first);
+            const Bytes secondBuffer = bufferOf(second);
+
+            for (const std::uint32_t before : {0U, 1U, 7U}) {
+                const std::uint32_t expected = model::intersect(first, second, tolerance, before);
+                std::uint32_t result = before;
+                const std::uint32_t status = vexaWKB_intersectGeometry(
+                    firstBuffer.geometry(), secondBuffer.geometry(), tolerance, &result);
+                EXPECT_EQ(status, 0U);
+                EXPECT_EQ(result, expected)
+                    << "seed " << seed << ", tolerance " << tolerance << ", result before "
+                    << before << "\n"
+                    << (family.largest < 20
+                            ? testing::PrintToString(first) + "\n" + testing::PrintToString(second)
+                            : std::string());
+                if (before == 0 && expected < 2) ++seen[expected];
+            }
+        }
+    }
+    // Neither answer is rare, so a test that always gives the same one is found out.
+    EXPECT_GT(seen[0], 36 * family.rounds / 10);
+    EXPECT_GT(seen[1], 36 * family.rounds / 10);
+}
+
+INSTANTIATE_TEST_SUITE_P(Families, IntersectGeometryAtRandom, testing::ValuesIn(kFamilies),
+                         [](const auto& info) { return std::string(info.param.name); });
+
+}  // namespace
+}  // namespace vexa::test

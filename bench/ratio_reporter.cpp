@@ -20,7 +20,10 @@ void RatioReporter::ReportRuns(const std::vector<Run>& runs) {
         if (run.aggregate_name != "median") continue;
         const std::string name = run.run_name.str();
         const std::size_t colon = name.find(':');
-        if (colon == std::string::npos) continue;
+        if (colon == std::string::npos) {
+            alone_.emplace_back(name, run.GetAdjustedCPUTime(), run.time_unit);
+            continue;
+        }
         // Aggregates carry the time of one iteration, in the unit of the report.
         medians_[name.substr(colon + 1)].push_back(
             {name.substr(0, colon), run.GetAdjustedCPUTime(), bytesPerSecondOf(run)});
@@ -29,6 +32,7 @@ void RatioReporter::ReportRuns(const std::vector<Run>& runs) {
 
 void RatioReporter::Finalize() {
     ConsoleReporter::Finalize();
+    std::sort(alone_.begin(), alone_.end());
     constexpr double kMegabyte = 1e6;
     std::printf("\n%-34s %-12s %10s %10s %8s\n", "work", "", "MB/s", "loop MB/s", "ratio");
     for (const auto& [work, contenders] : medians_) {
@@ -42,6 +46,9 @@ void RatioReporter::Finalize() {
                         median.bytesPerSecond / kMegabyte, loop->bytesPerSecond / kMegabyte,
                         median.seconds / loop->seconds);
         }
+    }
+    for (const auto& [name, time, unit] : alone_) {
+        std::printf("%-56s %10.1f %s\n", name.c_str(), time, benchmark::GetTimeUnitString(unit));
     }
     std::printf("ratio: time over the bare loop's time, medians of interleaved repetitions\n");
 }

@@ -2,6 +2,7 @@
 
 #include <map>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include <benchmark/benchmark.h>
@@ -23,6 +24,8 @@ private:
     };
     /// By work, in the order of the names.
     std::map<std::string, std::vector<Median>> medians_;
+    /// Works without a contender: name, time, unit.
+    std::vector<std::tuple<std::string, double, benchmark::TimeUnit>> alone_;
 };
 
 }  // namespace vexa::bench

@@ -1,39 +1,20 @@
 // Parsing and writing well-known text, beside a bare loop of number conversions over the same
 // numbers: what no reader or writer of these texts can do without.
-#include "vexakit/vexakit.h"
+#include "bench/samples.h"
 
 #include <charconv>
-#include <cstdlib>
-#include <memory>
-#include <random>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include <benchmark/benchmark.h>
 
-namespace {
+namespace vexa::bench {
 
-struct Destroy {
-    void operator()(GeometryBuffer* geometry) const { vexaWKB_destroyGeom(&geometry); }
-};
-using Geometry = std::unique_ptr<GeometryBuffer, Destroy>;
+namespace {
 
 constexpr int kSingleDigits = 6;
 constexpr int kFullDigits = 17;
-constexpr unsigned kSeed = 20;
-
-/// A line that wanders over the globe, at heights to match.
-std::vector<Point3d> wanderingPoints(std::size_t count) {
-    std::mt19937_64 random{kSeed};
-    std::uniform_real_distribution<double> longitude{-180, 180};
-    std::uniform_real_distribution<double> latitude{-90, 90};
-    std::uniform_real_distribution<double> height{0, 9000};
-    std::vector<Point3d> points(count);
-    for (Point3d& point : points) point = {longitude(random), latitude(random), height(random)};
-    return points;
-}
-
 void appendNumber(std::string& text, double value, int digits) {
     char number[32];
     char* const end =
@@ -161,3 +142,5 @@ const bool kRegistered = [] {
 }();
 
 }  // namespace
+
+}  // namespace vexa::bench

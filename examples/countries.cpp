@@ -4,47 +4,30 @@
 //     countries examples/data/countries-110m.wkt
 
 #include "vexakit/vexakit.h"
+#include "world.h"
 
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
-#include <fstream>
 #include <iomanip>
 #include <iostream>
 #include <limits>
 #include <memory>
-#include <stdexcept>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace {
 
-// ---- What goes wrong ----------------------------------------------------------------------------
+using world::check;
+using world::codePoints;
+using world::Country;
+using world::Error;
+using world::fullSize;
+using world::Geometry;
 
-using Error = std::runtime_error;
-
-/// The parser's message without its line end; other failures have a status alone.
-std::string parseFailure(std::uint32_t status) {
-    if (status != VEXA_SYNTAX_ERROR) return "status " + std::to_string(status);
-
-    std::string message = vexaParse_errorString();
-    while (message.ends_with('\n')) message.pop_back();
-    return message;
-}
-
-void check(bool holds, const char* failure) {
-    if (!holds) throw Error(failure);
-}
-
-// ---- Geometry buffers and their texts -----------------------------------------------------------
-
-struct DestroyGeometry {
-    void operator()(GeometryBuffer* geometry) const noexcept { vexaWKB_destroyGeom(&geometry); }
-};
-using Geometry = std::unique_ptr<GeometryBuffer, DestroyGeometry>;
+// ---- Buffers and their texts --------------------------------------------------------------------
 
 struct FreeText {
     void operator()(char* text) const noexcept { string_freeA(text); }
@@ -52,20 +35,6 @@ struct FreeText {
 using NarrowText = std::unique_ptr<char, FreeText>;
 
 using WideText = std::basic_string<VexaWChar>;
-
-Geometry parse(const char* text) {
-    GeometryBuffer* geometry = nullptr;
-    const std::uint32_t status = vexaParse_string(text, &geometry);
-    if (status != VEXA_SUCCESS) throw Error(parseFailure(status));
-    return Geometry{geometry};
-}
-
-/// All bytes. The buffer's own size word tells of the first ring only where a polygon has holes.
-std::uint32_t fullSize(const GeometryBuffer& geometry) {
-    std::uint32_t size = 0;
-    check(vexaWKB_calculateSize(&geometry, &size) == VEXA_SUCCESS, "the buffer has no size");
-    return size;
-}
 
 bool sameBytes(const GeometryBuffer& left, const GeometryBuffer& right) {
     const std::uint32_t size = fullSize(left);
@@ -101,7 +70,7 @@ NarrowText narrow(const WideText& text) {
 // ---- The two ways back --------------------------------------------------------------------------
 
 void checkParsedAgain(const GeometryBuffer& geometry, const WideText& text) {
-    const Geometry again = parse(narrow(text).get());
+    const Geometry again = world::parse(narrow(text).get());
     check(sameBytes(geometry, *again), "the text came back as another buffer");
 }
 
@@ -180,51 +149,7 @@ Contents contentsOf(const GeometryBuffer& geometry) {
                                          : multiPolygonContents(geometry);
 }
 
-// ---- The file -----------------------------------------------------------------------------------
-
-struct Country {
-    std::string name;  // UTF-8
-    std::string text;
-};
-
-Country splitLine(std::string_view line) {
-    if (line.ends_with('\r')) line.remove_suffix(1);
-    const std::size_t tab = line.find('\t');
-    check(tab != std::string_view::npos, "no tab between name and text");
-    return {std::string{line.substr(0, tab)}, std::string{line.substr(tab + 1)}};
-}
-
-/// Says which line of the file it was that `work` failed on.
-template <class Work>
-void onLine(const std::string& path, std::size_t number, Work work) {
-    try {
-        work();
-    } catch (const Error& error) {
-        throw Error(path + ":" + std::to_string(number) + ": " + error.what());
-    }
-}
-
-std::vector<Country> readCountries(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    if (!file) throw Error(path + ": cannot be opened");
-
-    std::vector<Country> countries;
-    for (std::string line; std::getline(file, line);) {
-        onLine(path, countries.size() + 1, [&] { countries.push_back(splitLine(line)); });
-    }
-    if (file.bad()) throw Error(path + ": cannot be read");
-    if (countries.empty()) throw Error(path + ": has no countries");
-    return countries;
-}
-
 // ---- The table ----------------------------------------------------------------------------------
-
-std::size_t codePoints(std::string_view utf8) {
-    const auto startsCharacter = [](char byte) {
-        return (static_cast<unsigned char>(byte) & 0xC0U) != 0x80U;
-    };
-    return static_cast<std::size_t>(std::count_if(utf8.begin(), utf8.end(), startsCharacter));
-}
 
 std::size_t widestName(const std::vector<Country>& countries) {
     std::size_t widest = 0;
@@ -248,7 +173,7 @@ void print(const Row& row, std::size_t nameWidth) {
 }
 
 Contents showCountry(const Country& country, std::size_t nameWidth) {
-    const Geometry geometry = parse(country.text.c_str());
+    const Geometry geometry = world::parse(country.text.c_str());
     const char* const type = typeName(*geometry);
     const Contents contents = contentsOf(*geometry);
     print({country.name, type, std::to_string(contents.polygons), std::to_string(contents.vertices),
@@ -259,7 +184,7 @@ Contents showCountry(const Country& country, std::size_t nameWidth) {
 }
 
 void showCountries(const std::string& path) {
-    const std::vector<Country> countries = readCountries(path);
+    const std::vector<Country> countries = world::readCountries(path);
     const Row titles{"country", "type", "parts", "vertices", "bytes"};
     const std::size_t nameWidth = std::max(widestName(countries), titles.name.size());
     print(titles, nameWidth);
@@ -267,7 +192,7 @@ void showCountries(const std::string& path) {
     Contents total;
     std::size_t number = 0;
     for (const Country& country : countries) {
-        onLine(path, ++number, [&] { total += showCountry(country, nameWidth); });
+        world::onLine(path, ++number, [&] { total += showCountry(country, nameWidth); });
     }
     std::cout << countries.size() << " countries, " << total.polygons << " polygons, "
               << total.vertices << " vertices, " << total.bytes

@@ -14,9 +14,12 @@ namespace {
 Parser parser;         // NOLINT(*-avoid-non-const-global-variables): the parser of the process
 ThreadLock parseLock;  // NOLINT(*-avoid-non-const-global-variables): made at load, for all threads
 
+// The copy is made before the lock is taken: where there is no memory for it the process ends, and a
+// lock must not be held when it is destroyed.
 std::uint32_t parseUnderLock(const char* text, Block& result) {
+    const ScanBufferHandle buffer = text ? scanBytes(text) : nullptr;
     const ThreadLockGuard guard{&parseLock};
-    return parser.parse(text, result);
+    return parser.parse(buffer.get(), result);
 }
 
 struct FreeString {

@@ -4,11 +4,10 @@
 
 namespace vexa {
 
-std::uint32_t Parser::parse(const char* text, Block& result) {
+std::uint32_t Parser::parse(const ScanBuffer* buffer, Block& result) {
     errorText_.front() = '\0';
-    if (!text) return kNoText;
+    if (!buffer) return kNoText;
 
-    const ScanBufferHandle buffer = scanBytes(text);
     ParseRun run{*buffer, errorText_};
     const int status = vexaGrammar_parse(run);
     if (run.outOfMemory) return kFailure;

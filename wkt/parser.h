@@ -14,8 +14,9 @@ constexpr std::uint32_t kArrayTooSmall = static_cast<std::uint32_t>(VEXA_ARRAY_T
 /// The parser of the process: one parse at a time.
 class Parser {
 public:
-    /// Makes a geometry of a text, or tells why not; the error text goes with it.
-    std::uint32_t parse(const char* text, Block& result);
+    /// Makes a geometry of a text, or tells why not; the error text goes with it. No buffer is no
+    /// text.
+    std::uint32_t parse(const ScanBuffer* buffer, Block& result);
 
     const char* errorText() const { return errorText_.data(); }
 

@@ -99,8 +99,9 @@ TEST(ParseThreads, EchoOneTextAfterTheOther) {
                 text += kLetters[static_cast<std::size_t>(number)];
                 text += ' ';
             }
-            for (std::size_t round = 0; round < kEchoes; ++round)
+            for (std::size_t round = 0; round < kEchoes; ++round) {
                 vexaParse_string(text.c_str(), nullptr);
+            }
         });
     });
 

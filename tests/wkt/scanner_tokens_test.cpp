@@ -270,7 +270,7 @@ TEST(Scanner, EchoesEveryByteThatBeginsNoToken) {
         SCOPED_TRACE(byte);
 
         std::vector<Token> tokens;
-        const std::string aroundAToken = text + '(' + text;
+        const std::string aroundAToken = std::string{text}.append("(").append(text);
         EXPECT_EQ(outputOf([&] { tokens = tokensOf(aroundAToken); }), text + text);
         EXPECT_EQ(tokens, (std::vector{open(), end()}));
     }

@@ -100,18 +100,18 @@ private:
     std::pmr::vector<Range3d> boxes_;
 };
 
-/// Whether the test holds for some element whose box lies within the margin of a box; elements
-/// farther off are not asked.
-template <class Test>
+/// Whether the test holds for some element; those under a box of which `mayHold` knows better are not
+/// asked.
+template <class MayHold, class Test>
 // NOLINTNEXTLINE(misc-no-recursion): as deep as the tree, which has at most 22 levels
-bool anyNear(const BoxTree& tree, const BoxTree::Node& node, const Range3d& box, double margin,
-             const Test& test) {
-    if (gapBetween(tree.boxAt(node), box) > margin) return false;
+bool anyUnder(const BoxTree& tree, const BoxTree::Node& node, const MayHold& mayHold,
+              const Test& test) {
+    if (!mayHold(tree.boxAt(node))) return false;
 
     const auto [first, last] = tree.childrenOf(node);
     for (std::size_t i = first; i < last; ++i) {
         const bool holds =
-            node.level == 0 ? test(i) : anyNear(tree, {node.level - 1, i}, box, margin, test);
+            node.level == 0 ? test(i) : anyUnder(tree, {node.level - 1, i}, mayHold, test);
         if (holds) return true;
     }
     return false;

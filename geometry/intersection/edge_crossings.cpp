@@ -1,8 +1,10 @@
 #include "geometry/intersection/edge_crossings.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <limits>
+#include <new>
 
 namespace vexa {
 
@@ -161,22 +163,84 @@ RingEdges::RingEdges(std::span<const Point3d> vertices, std::pmr::memory_resourc
     if (vertices.size() <= kFewEdges || isOnePlace_) return;
     if (!std::all_of(vertices.begin(), vertices.end(), isFinite2d)) return;
 
-    // Edge i ends at vertex i; the first one closes the ring.
-    boxes_.emplace(
-        vertices.size(), [&](std::size_t i) { return box2d(previousOf(i), vertices[i]); }, memory);
-    largest_ = largestOf(boxes_->box());
-    if (largest_ > kLargestPlain) boxes_.reset();
+    try {
+        // Edge i ends at vertex i; the first one closes the ring.
+        boxes_.emplace(
+            vertices.size(), [&](std::size_t i) { return box2d(previousOf(i), vertices[i]); },
+            memory);
+        largest_ = largestOf(boxes_->box());
+    } catch (const std::bad_alloc&) {
+        // Without memory for boxes each edge is looked at.
+    }
+}
+
+/// Whether boxes may leave edges out that a segment with that box is to be tested against.
+bool RingEdges::canRuleOut(const Range3d& box) const {
+    const double largest = std::max(largest_, largestOf(box));
+    return boxes_ && isFinite2d(box.low) && isFinite2d(box.high) && largest < kLargestPlain &&
+           largest > kLostDistance;
+}
+
+namespace {
+
+/// Leaves out boxes in which nothing can cross an edge. Edges at an angle cross where both of them are,
+/// but for roundings that grow as the angle shrinks. Edges that are nearly parallel may be told to cross
+/// for a rounding's sake, however far apart they are, but only where one lies along the other's line.
+class CrossingFilter {
+public:
+    CrossingFilter(const Point3d& start, const Point3d& end, double largest)
+        : start_(start),
+          direction_(difference2d(end, start)),
+          box_(box2d(start, end)),
+          largest_(largest) {}
+
+    bool operator()(const Range3d& box) const {
+        return gapBetween(box, box_) <= kAtAnAngle * largest_ || isMetByLine(box);
+    }
+
+private:
+    static constexpr double kAtAnAngle = 1e-7;
+    static constexpr double kAlong = 1e-5;
+    static constexpr double kAlongRoundings = 1e-12;
+
+    bool isMetByLine(const Range3d& box) const {
+        const Point3d middle = {box.low.x / 2 + box.high.x / 2, box.low.y / 2 + box.high.y / 2, 0};
+        const double halfWidth = box.high.x / 2 - box.low.x / 2;
+        const double halfHeight = box.high.y / 2 - box.low.y / 2;
+        const double slack = kAlong * (halfWidth + halfHeight) + kAlongRoundings * largest_;
+        const double reach = std::fabs(direction_.x) * (halfHeight + slack) +
+                             std::fabs(direction_.y) * (halfWidth + slack);
+        return std::fabs(cross2d(direction_, difference2d(middle, start_))) <= reach;
+    }
+
+    Point3d start_;
+    Point3d direction_;
+    Range3d box_;
+    double largest_;
+};
+
+}  // namespace
+
+bool RingEdges::areCrossedBy(const Point3d& start, const Point3d& end, bool isClosed) const {
+    const Range3d box = box2d(start, end);
+    if (!canRuleOut(box)) return EdgesCross({std::array{start, end}, false}, {vertices_, isClosed});
+
+    const bool hasClosingEdge = closingEdge({vertices_, isClosed}).has_value();
+    const CrossingFilter mayCross{start, end, std::max(largest_, largestOf(box))};
+    return anyUnder(*boxes_, boxes_->root(), mayCross, [&](std::size_t i) {
+        return (i != 0 || hasClosingEdge) && edgesCross(start, end, previousOf(i), vertices_[i]);
+    });
 }
 
 /// Whether some edge near the segment gives a place on it. Rounding moves a place by a few units in the
 /// last place of the largest coordinate, so no edge farther off can.
 bool RingEdges::hasPlaceNear(const Point3d& start, const Point3d& end) const {
     const Range3d box = box2d(start, end);
-    const double largest = std::max(largest_, largestOf(box));
-    if (!boxes_ || !isFinite2d(start) || !isFinite2d(end) || largest > kLargestPlain) return true;
+    if (!canRuleOut(box)) return true;
 
-    const double margin = largest * kRoundings + kLostDistance;
-    return anyNear(*boxes_, boxes_->root(), box, margin, [&](std::size_t i) {
+    const double margin = std::max(largest_, largestOf(box)) * kRoundings + kLostDistance;
+    const auto isNear = [&](const Range3d& other) { return gapBetween(other, box) <= margin; };
+    return anyUnder(*boxes_, boxes_->root(), isNear, [&](std::size_t i) {
         LinePlaces line{start, end};
         line.meet(previousOf(i), vertices_[i]);
         return line.isAnyOnSegment();

@@ -25,6 +25,9 @@ class RingEdges {
 public:
     RingEdges(std::span<const Point3d> vertices, std::pmr::memory_resource* memory);
 
+    /// Whether an edge crosses some edge of the ring, as `EdgesCross` tells.
+    bool areCrossedBy(const Point3d& start, const Point3d& end, bool isClosed) const;
+
     /// Whether a segment in the ring's plane crosses the ring: whether its line crosses or meets the
     /// closed ring at 1 to 32 places, one of them on the segment. A vertex on the line is one place
     /// however often it is repeated; more than 32 places count as none.
@@ -35,6 +38,7 @@ private:
     const Point3d& previousOf(std::size_t i) const {
         return i == 0 ? vertices_.back() : vertices_[i - 1];
     }
+    bool canRuleOut(const Range3d& box) const;
     bool hasPlaceNear(const Point3d& start, const Point3d& end) const;
 
     std::span<const Point3d> vertices_;

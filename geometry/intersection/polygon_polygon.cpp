@@ -8,8 +8,8 @@
 #include "transform/vector.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
+#include <optional>
 
 namespace vexa {
 
@@ -44,12 +44,19 @@ bool coplanarRingsMeet(Points a, Points bInA, RingClassifier& inA, Points b, Poi
 
     RingClassifier inB{b, tolerance, memory};
     if (isInsideOrOn(inB.classify(aInB.front()))) return true;
-    return EdgesCross({a, false}, {bInA, false});
+
+    const RingEdges edges{bInA, memory};
+    for (std::size_t i = 1; i < a.size(); ++i) {
+        if (edges.areCrossedBy(a[i - 1], a[i], false)) return true;
+    }
+    return false;
 }
 
 /// Whether a moving ring meets a fixed one: both in the fixed one's frame, where z is the height above
 /// its plane. The moving ring is not closed by an edge from its last vertex to its first.
-bool meetsOutsideThePlane(Points moving, Points fixed, RingClassifier& inFixed, double tolerance) {
+bool meetsOutsideThePlane(Points moving, Points fixed, RingClassifier& inFixed, double tolerance,
+                          std::pmr::memory_resource* memory) {
+    std::optional<RingEdges> edges;
     const auto isInPlane = [&](const Point3d& vertex) { return std::fabs(vertex.z) <= tolerance; };
     const auto isInside = [&](const Point3d& point) {
         return isInsideOrOn(inFixed.classify(point));
@@ -65,7 +72,8 @@ bool meetsOutsideThePlane(Points moving, Points fixed, RingClassifier& inFixed, 
         if (isInPlane(start) && isInside(end)) return true;
 
         if (isInPlane(start) && isInPlane(end)) {
-            if (EdgesCross({std::array{start, end}, false}, {fixed, true})) return true;
+            if (!edges) edges.emplace(fixed, memory);
+            if (edges->areCrossedBy(start, end, true)) return true;
         } else if (start.z * end.z < 0) {
             const Point3d cut = start + (end - start) * start.z / (start.z - end.z);
             if (isInside(cut)) return true;
@@ -102,10 +110,10 @@ bool PolygonsIntersect(const FramedRing& a, const FramedRing& b,
         if (high - low >= tolerance) return false;  // the planes are apart
         return coplanarRingsMeet(a.local, bInA, inA, b.local, aInB, tolerance, memory);
     }
-    if (meetsOutsideThePlane(bInA, a.local, inA, tolerance)) return true;
+    if (meetsOutsideThePlane(bInA, a.local, inA, tolerance, memory)) return true;
 
     RingClassifier inB{b.local, tolerance, memory};
-    return meetsOutsideThePlane(aInB, b.local, inB, tolerance);
+    return meetsOutsideThePlane(aInB, b.local, inB, tolerance, memory);
 }
 
 }  // namespace vexa

@@ -18,7 +18,11 @@ public:
     void leave() noexcept;
 
 private:
+#if defined(__aarch64__)
+    static constexpr std::size_t kSize = 48;
+#else
     static constexpr std::size_t kSize = 40;
+#endif
     alignas(8) std::array<std::byte, kSize> section_{};
 };
 

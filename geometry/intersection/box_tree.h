@@ -54,8 +54,6 @@ public:
         }
     }
 
-    bool isEmpty() const { return count_ == 0; }
-    std::size_t count() const { return count_; }
     const Range3d& box() const { return boxes_.back(); }
 
     /// A box of the tree: of elements on level 0, of boxes above.

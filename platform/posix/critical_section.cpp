@@ -14,8 +14,7 @@ pthread_mutex_t* mutexIn(std::byte* section) {
 }  // namespace
 
 CriticalSection::CriticalSection() noexcept {
-    static_assert(sizeof(pthread_mutex_t) <= kSize || sizeof(void*) != 8);
-    static_assert(alignof(pthread_mutex_t) <= 8);
+    static_assert(sizeof(pthread_mutex_t) <= kSize && alignof(pthread_mutex_t) <= 8);
 
     constexpr pthread_mutex_t kRecursive = PTHREAD_RECURSIVE_MUTEX_INITIALIZER_NP;
     new (section_.data()) pthread_mutex_t(kRecursive);

@@ -71,7 +71,8 @@ std::size_t sumOfBytes(const VexaWChar* units, std::size_t count, BytesAt bytesA
 #if defined(__SSE2__)
 // An aligned load stays within its page of memory, so it may pass the end of the text: what it finds
 // there is not looked at.
-[[gnu::no_sanitize_address, gnu::no_sanitize_thread]] inline std::size_t wideLength(const VexaWChar* text) noexcept {
+[[gnu::no_sanitize_address, gnu::no_sanitize_thread]] inline std::size_t wideLength(
+    const VexaWChar* text) noexcept {
     const VexaWChar* at = text;
     for (; reinterpret_cast<std::uintptr_t>(at) % sizeof(__m128i) != 0; ++at) {
         if (*at == 0) return static_cast<std::size_t>(at - text);

@@ -109,7 +109,7 @@ bool isAtVertex(const Point3d& point, std::span<const Point3d> ring, double tole
 }
 
 Side alongTrialRays(const Point3d& point, std::span<const Point3d> ring, double tolerance) {
-    // NOLINTNEXTLINE(*-FloatLoopCounter): the angles' sums are what fixes the rays
+    // NOLINTNEXTLINE(clang-analyzer-security.FloatLoopCounter): the angles' sums are what fixes the rays
     for (double angle = kRayStep; angle < kRayEnd; angle += kRayStep) {
         const double c = std::cos(angle);
         const double s = std::sin(angle);

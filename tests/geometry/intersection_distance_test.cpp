@@ -180,8 +180,8 @@ TEST(SegmentsNear, TakesLinesAtAnAngleOfTwoMillionthsForParallel) {
 // ---- Both beside the plain formulas -------------------------------------------------------------
 
 TEST(SegmentDistances, AreThoseOfThePlainFormulas) {
-    constexpr Placing kPlacings[] = {Placing::kGrid, Placing::kPlane, Placing::kCells,
-                                     Placing::kSpace, Placing::kTiltedPlane};
+    constexpr Placing kPlacings[] = {Placing::Grid, Placing::Plane, Placing::Cells, Placing::Space,
+                                     Placing::TiltedPlane};
     int hits = 0;
     for (std::uint64_t seed = 1; seed <= 4000; ++seed) {
         RandomShapes random(seed, kPlacings[seed % 5], 1);

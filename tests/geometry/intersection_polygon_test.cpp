@@ -241,9 +241,9 @@ TEST(IntersectLineStringPolygon, TakesASegmentForItsLineHoweverFarAndManyTheOthe
 // ---- Both beside the plain steps ----------------------------------------------------------------
 
 TEST(PreparedPolygon, AnswersManyQuestionsAsThePlainStepsDo) {
-    constexpr Placing kPlacings[] = {Placing::kGrid,        Placing::kPlane, Placing::kShearedGrid,
-                                     Placing::kTiltedPlane, Placing::kCells, Placing::kSpace,
-                                     Placing::kNearlyFlat};
+    constexpr Placing kPlacings[] = {Placing::Grid,        Placing::Plane, Placing::ShearedGrid,
+                                     Placing::TiltedPlane, Placing::Cells, Placing::Space,
+                                     Placing::NearlyFlat};
     int hits = 0;
     for (std::uint64_t seed = 1; seed <= 210; ++seed) {
         RandomShapes random(seed, kPlacings[seed % 7], seed % 10 == 0 ? 120 : 12);

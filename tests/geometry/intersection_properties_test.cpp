@@ -31,7 +31,7 @@ Shape changed(Shape shape, Change change) {
 class GenericPair {
 public:
     GenericPair(std::uint64_t seed, std::uint32_t firstType, std::uint32_t secondType)
-        : random_(seed, Placing::kPlane, 1), first(make(firstType)), second(make(secondType)) {}
+        : random_(seed, Placing::Plane, 1), first(make(firstType)), second(make(secondType)) {}
 
 private:
     Points way() { return random_.vertices(2 + random_.below(6)); }
@@ -159,7 +159,7 @@ TEST(IntersectProperty, APointIsInARingThatGoesAroundItAnOddNumberOfTimes) {
     int inside = 0;
     int asked = 0;
     for (std::uint64_t seed = 1; seed <= 300; ++seed) {
-        RandomShapes random(seed, Placing::kPlane, 1);
+        RandomShapes random(seed, Placing::Plane, 1);
         const Points flat = random.outline(3 + random.below(15));
         const double turn = random.real(0, 6.28);
         const double tilt = random.real(0, 6.28);

@@ -86,9 +86,9 @@ TEST(FitRingFrame, FailsWhereTheNormalVanishes) {
 }
 
 TEST(FitRingFrame, IsThatOfThePlainSteps) {
-    constexpr Placing kPlacings[] = {Placing::kGrid,        Placing::kPlane, Placing::kShearedGrid,
-                                     Placing::kTiltedPlane, Placing::kCells, Placing::kSpace,
-                                     Placing::kNearlyFlat};
+    constexpr Placing kPlacings[] = {Placing::Grid,        Placing::Plane, Placing::ShearedGrid,
+                                     Placing::TiltedPlane, Placing::Cells, Placing::Space,
+                                     Placing::NearlyFlat};
     int fitted = 0;
     for (std::uint64_t seed = 1; seed <= 3000; ++seed) {
         RandomShapes random(seed, kPlacings[seed % 7], 1);
@@ -256,7 +256,7 @@ TEST(ClassifyPointInRings, TakesOnlyTheLargestFiniteNumberForASeparator) {
 }
 
 TEST(RingClassifier, TellsOfEveryPointWhatTheSinglePassTells) {
-    constexpr Placing kPlacings[] = {Placing::kGrid, Placing::kPlane, Placing::kCells};
+    constexpr Placing kPlacings[] = {Placing::Grid, Placing::Plane, Placing::Cells};
     int inside = 0;
     for (std::uint64_t seed = 1; seed <= 150; ++seed) {
         RandomShapes random(seed, kPlacings[seed % 3], 1);
@@ -329,7 +329,7 @@ TEST(EdgesCross, HasNoEdgesInFewerThanTwoVertices) {
 TEST(EdgesCross, AnswersAsEveryPairOfEdgesAskedInTurn) {
     int hits = 0;
     for (std::uint64_t seed = 1; seed <= 1500; ++seed) {
-        RandomShapes random(seed, seed % 2 == 0 ? Placing::kGrid : Placing::kPlane, 1);
+        RandomShapes random(seed, seed % 2 == 0 ? Placing::Grid : Placing::Plane, 1);
         random.sprinkleSpecials(seed % 9 == 0 ? 20 : 0);
         const std::size_t most = seed % 50 == 0 ? 200 : 12;
         const Points e = random.trailOf(random.below(most));

@@ -142,6 +142,7 @@ public:
         Points slots = marked_;
         std::copy(expected.begin(), expected.end(), slots.begin() + kGuards);
         for (std::size_t i = 0; i != slots.size(); ++i) {
+            // NOLINTNEXTLINE(bugprone-suspicious-memory-comparison): bit for bit, NaN and zeros too
             if (std::memcmp(&slots[i], &slots_[i], sizeof(Point3d)) == 0) continue;
             return testing::AssertionFailure()
                    << "slot " << static_cast<std::ptrdiff_t>(i) - kGuards << " holds ("

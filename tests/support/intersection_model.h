@@ -90,37 +90,37 @@ private:
         }
         // A single geometry is a list of one, so six types come down to three kinds of member.
         switch (kindOf(first)) {
-            case Kind::kPoints:
+            case Kind::Points:
                 untilHit(first.points, [&](const Point3d& p) { pointAgainst(p, second); });
                 return;
-            case Kind::kLines:
+            case Kind::Lines:
                 untilHit(first.parts.front(), [&](const Runs& line) { lineAgainst(line, second); });
                 return;
-            case Kind::kPolygons:
+            case Kind::Polygons:
                 untilHit(first.parts, [&](const Paths& p) { polygonAgainst(p, first, second); });
                 return;
         }
     }
 
-    enum class Kind { kPoints, kLines, kPolygons };
+    enum class Kind { Points, Lines, Polygons };
 
     static Kind kindOf(const Shape& shape) {
-        if (shape.type == VEXA_POINT || shape.type == VEXA_MULTIPOINT) return Kind::kPoints;
-        if (shape.type == VEXA_POLYGON || shape.type == VEXA_MULTIPOLYGON) return Kind::kPolygons;
-        return Kind::kLines;
+        if (shape.type == VEXA_POINT || shape.type == VEXA_MULTIPOINT) return Kind::Points;
+        if (shape.type == VEXA_POLYGON || shape.type == VEXA_MULTIPOLYGON) return Kind::Polygons;
+        return Kind::Lines;
     }
 
     void pointAgainst(const Point3d& p, const Shape& other) {
         switch (kindOf(other)) {
-            case Kind::kPoints:
+            case Kind::Points:
                 untilHit(other.points, [&](const Point3d& q) {
                     if (p.x == q.x && p.y == q.y && p.z == q.z) result_ = 1;
                 });
                 return;
-            case Kind::kLines:
+            case Kind::Lines:
                 untilHit(other.parts.front(), [&](const Runs& line) { pointNearPath(p, line); });
                 return;
-            case Kind::kPolygons:
+            case Kind::Polygons:
                 untilHit(other.parts, [&](const Paths& polygon) {
                     result_ = pointInPolygon(p, polygon, tolerance_) ? 1 : 0;
                 });
@@ -130,13 +130,13 @@ private:
 
     void lineAgainst(const Runs& line, const Shape& other) {
         switch (kindOf(other)) {
-            case Kind::kPoints:
+            case Kind::Points:
                 untilHit(other.points, [&](const Point3d& p) { pointNearPath(p, line); });
                 return;
-            case Kind::kLines:
+            case Kind::Lines:
                 untilHit(other.parts.front(), [&](const Runs& with) { pathsNear(line, with); });
                 return;
-            case Kind::kPolygons:
+            case Kind::Polygons:
                 untilHit(other.parts, [&](const Paths& polygon) { pathHits(line, polygon); });
                 return;
         }
@@ -144,15 +144,15 @@ private:
 
     void polygonAgainst(const Paths& polygon, const Shape& first, const Shape& other) {
         switch (kindOf(other)) {
-            case Kind::kPoints:
+            case Kind::Points:
                 untilHit(other.points, [&](const Point3d& p) {
                     result_ = pointInPolygon(p, polygon, tolerance_) ? 1 : 0;
                 });
                 return;
-            case Kind::kLines:
+            case Kind::Lines:
                 untilHit(other.parts.front(), [&](const Runs& line) { pathHits(line, polygon); });
                 return;
-            case Kind::kPolygons:
+            case Kind::Polygons:
                 untilHit(other.parts, [&](const Paths& member) {
                     const bool isMemberFirst = first.type != other.type;
                     const bool hit = isMemberFirst

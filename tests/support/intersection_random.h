@@ -40,13 +40,13 @@ inline void PrintTo(const Shape& shape, std::ostream* out) {
 
 /// Where vertices are put.
 enum class Placing {
-    kGrid,         ///< small integers in z = 0: touches, level vertices, repeated vertices
-    kPlane,        ///< anywhere in z = 0
-    kShearedGrid,  ///< small integers in a tilted plane, all exact
-    kTiltedPlane,  ///< anywhere in a rotated plane, rounded
-    kCells,        ///< integers 0 to 2 in space
-    kSpace,        ///< anywhere
-    kNearlyFlat,   ///< small integers, z off by up to 1e-9
+    Grid,         ///< small integers in z = 0: touches, level vertices, repeated vertices
+    Plane,        ///< anywhere in z = 0
+    ShearedGrid,  ///< small integers in a tilted plane, all exact
+    TiltedPlane,  ///< anywhere in a rotated plane, rounded
+    Cells,        ///< integers 0 to 2 in space
+    Space,        ///< anywhere
+    NearlyFlat,   ///< small integers, z off by up to 1e-9
 };
 
 class RandomShapes {
@@ -183,14 +183,15 @@ private:
 
     Point3d placed() {
         const auto digit = [this](std::size_t range) {
-            return static_cast<double>(below(range)) - static_cast<double>(range / 2);
+            const std::size_t half = range / 2;
+            return static_cast<double>(below(range)) - static_cast<double>(half);
         };
         switch (placing_) {
-            case Placing::kCells: return resized({digit(3), digit(3), digit(3)});
-            case Placing::kSpace: return resized({real(-5, 5), real(-5, 5), real(-5, 5)});
-            case Placing::kGrid:
-            case Placing::kShearedGrid:
-            case Placing::kNearlyFlat: return inPlane(digit(9), digit(9));
+            case Placing::Cells: return resized({digit(3), digit(3), digit(3)});
+            case Placing::Space: return resized({real(-5, 5), real(-5, 5), real(-5, 5)});
+            case Placing::Grid:
+            case Placing::ShearedGrid:
+            case Placing::NearlyFlat: return inPlane(digit(9), digit(9));
             default: return inPlane(real(-5, 5), real(-5, 5));
         }
     }
@@ -204,17 +205,17 @@ private:
 
     Point3d placedInPlane(double x, double y) {
         switch (placing_) {
-            case Placing::kGrid: return {std::round(x), std::round(y), 0};
-            case Placing::kShearedGrid:
+            case Placing::Grid: return {std::round(x), std::round(y), 0};
+            case Placing::ShearedGrid:
                 x = std::round(x);
                 y = std::round(y);
                 return {x, y, 2 * x - y};
-            case Placing::kNearlyFlat: return {std::round(x), std::round(y), real(-1e-9, 1e-9)};
-            case Placing::kTiltedPlane:
+            case Placing::NearlyFlat: return {std::round(x), std::round(y), real(-1e-9, 1e-9)};
+            case Placing::TiltedPlane:
                 return {x * xAxis_.x + y * yAxis_.x + 1, x * xAxis_.y + y * yAxis_.y - 2,
                         x * xAxis_.z + y * yAxis_.z + 3};
-            case Placing::kCells: return {std::round(x), std::round(y), std::round(x - y)};
-            case Placing::kSpace: return {x, y, x * 0.3 + real(-1, 1)};
+            case Placing::Cells: return {std::round(x), std::round(y), std::round(x - y)};
+            case Placing::Space: return {x, y, x * 0.3 + real(-1, 1)};
             default: return {x, y, 0};
         }
     }

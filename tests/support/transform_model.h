@@ -78,6 +78,7 @@ struct MatrixModel {
         return model;
     }
 
+    // NOLINTNEXTLINE(google-explicit-constructor): it is one, but for its name
     operator Transform() const {
         Transform transform{};
         std::memcpy(&transform, this, sizeof transform);
@@ -285,17 +286,16 @@ private:
 /// vanish, and, where asked for, the odd ones.
 class RandomNumbers {
 public:
-    enum Kind { kOrdinary, kWithOddOnes };
+    enum Kind { ORDINARY, WITH_ODD_ONES };
 
-    explicit RandomNumbers(std::uint32_t seed, Kind kind = kOrdinary)
-        : engine_(seed), kind_(kind) {}
+    explicit RandomNumbers(std::uint32_t seed, Kind kind = ORDINARY) : engine_(seed), kind_(kind) {}
 
     std::uint32_t below(std::uint32_t bound) {
         return static_cast<std::uint32_t>(engine_() % bound);
     }
 
     double number() {
-        if (kind_ == kWithOddOnes && below(8) == 0) return oddOne();
+        if (kind_ == WITH_ODD_ONES && below(8) == 0) return oddOne();
         if (below(4) == 0) return static_cast<double>(below(5)) - 2;
         const double magnitude = std::ldexp(1, static_cast<int>(below(40)) - 20);
         return (static_cast<double>(engine_() >> 11) / 0x1p52 - 1) * magnitude;

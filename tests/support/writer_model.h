@@ -187,7 +187,8 @@ private:
             }
             size = static_cast<std::uint32_t>(end - member);
         }
-        return member + (size + 7) / 8 * 8;
+        const std::uint32_t rounded = (size + 7) / 8 * 8;
+        return member + rounded;
     }
     static Address pastPolygons(Address geometry) {
         Address cursor = geometry + 24;

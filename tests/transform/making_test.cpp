@@ -27,7 +27,7 @@ TEST(TransformRadians2Degrees, GivesAHalfTurnForPi) {
 // A division by pi/180 or a product by a quotient would differ in the last bit here and there.
 TEST(TransformAngles, AreProductsWithOneConstant) {
     for (std::uint32_t seed = 1; seed <= 2000; ++seed) {
-        const double angle = RandomNumbers(seed, RandomNumbers::kWithOddOnes).number();
+        const double angle = RandomNumbers(seed, RandomNumbers::WITH_ODD_ONES).number();
         double degrees = 99;
         double radians = 99;
         EXPECT_EQ(transform_radians2degrees(angle, &degrees), 0U);
@@ -84,7 +84,7 @@ TEST(TransformInitScale, PutsEachFactorOnItsOwnAxis) {
 
 TEST(TransformInitScale, FollowsTheFormulaBitForBit) {
     for (std::uint32_t seed = 1; seed <= 3000; ++seed) {
-        RandomNumbers random(seed, RandomNumbers::kWithOddOnes);
+        RandomNumbers random(seed, RandomNumbers::WITH_ODD_ONES);
         const Point3d scale = random.point();
         const Point3d fixedPoint = random.point();
         Transform transform = kUnwritten;
@@ -128,7 +128,7 @@ TEST(TransformSetFixedPoint, KeepsTheLinearPartAndDiscardsTheTranslation) {
 
 TEST(TransformSetFixedPoint, FollowsTheFormulaBitForBit) {
     for (std::uint32_t seed = 1; seed <= 3000; ++seed) {
-        RandomNumbers random(seed, RandomNumbers::kWithOddOnes);
+        RandomNumbers random(seed, RandomNumbers::WITH_ODD_ONES);
         Transform transform = random.transform();
         const Point3d point = random.point();
         MatrixModel model = MatrixModel::of(transform);

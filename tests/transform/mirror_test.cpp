@@ -59,7 +59,7 @@ TEST(TransformInitMirror, FollowsTheFormulaBitForBit) {
 
 TEST(TransformInitMirror, FollowsTheFormulaWithOddNumbers) {
     for (std::uint32_t seed = 1; seed <= 5000; ++seed) {
-        RandomNumbers random(seed, RandomNumbers::kWithOddOnes);
+        RandomNumbers random(seed, RandomNumbers::WITH_ODD_ONES);
         const Point3d planePoint = random.point();
         const Point3d normal = random.point();
         EXPECT_TRUE(areSame(mirrorIn(planePoint, normal), modelMirror(planePoint, normal)))

@@ -41,7 +41,7 @@ TEST(TransformMultiply, GivesTheProductByHand) {
 }
 
 TEST(TransformMultiply, FollowsTheFormulaBitForBit) {
-    for (const auto kind : {RandomNumbers::kOrdinary, RandomNumbers::kWithOddOnes}) {
+    for (const auto kind : {RandomNumbers::ORDINARY, RandomNumbers::WITH_ODD_ONES}) {
         for (std::uint32_t seed = 1; seed <= 3000; ++seed) {
             RandomNumbers random(seed, kind);
             const Transform first = random.transform();
@@ -100,7 +100,7 @@ TEST(InvertRigidTransform, ChecksNothing) {
 }
 
 TEST(InvertRigidTransform, FollowsTheFormulaBitForBit) {
-    for (const auto kind : {RandomNumbers::kOrdinary, RandomNumbers::kWithOddOnes}) {
+    for (const auto kind : {RandomNumbers::ORDINARY, RandomNumbers::WITH_ODD_ONES}) {
         for (std::uint32_t seed = 1; seed <= 2000; ++seed) {
             const Transform transform = RandomNumbers(seed, kind).transform();
             EXPECT_TRUE(

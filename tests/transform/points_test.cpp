@@ -33,7 +33,7 @@ TEST(TransformPoint, TakesItsCoordinatesByRows) {
 }
 
 TEST(TransformPoint, FollowsTheFormulaBitForBit) {
-    for (const auto kind : {RandomNumbers::kOrdinary, RandomNumbers::kWithOddOnes}) {
+    for (const auto kind : {RandomNumbers::ORDINARY, RandomNumbers::WITH_ODD_ONES}) {
         for (std::uint32_t seed = 1; seed <= 5000; ++seed) {
             RandomNumbers random(seed, kind);
             const Transform transform = random.transform();
@@ -103,7 +103,7 @@ TEST(TransformPointArray, TransformsTheFirstPointsOnly) {
 
 TEST(TransformPointArray, FollowsTheFormulaBitForBit) {
     for (std::uint32_t seed = 1; seed <= 1000; ++seed) {
-        RandomNumbers random(seed, RandomNumbers::kWithOddOnes);
+        RandomNumbers random(seed, RandomNumbers::WITH_ODD_ONES);
         const Transform transform = random.transform();
         const Points points = random.points(1 + random.below(20));
         Points actual = points;

@@ -76,7 +76,7 @@ TEST(TransformInitRotationAboutLine, FollowsTheFormulaBitForBit) {
 
 TEST(TransformInitRotationAboutLine, FollowsTheFormulaWithOddNumbers) {
     for (std::uint32_t seed = 1; seed <= 5000; ++seed) {
-        RandomNumbers random(seed, RandomNumbers::kWithOddOnes);
+        RandomNumbers random(seed, RandomNumbers::WITH_ODD_ONES);
         const Point3d from = random.point();
         const Point3d to = random.point();
         const double angle = random.number();

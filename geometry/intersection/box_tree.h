@@ -12,6 +12,11 @@
 
 namespace vexa {
 
+/// Beyond this size products of coordinates are no longer finite, and boxes may rule nothing out.
+constexpr double kLargestPlain = 1e150;
+/// Below this size products of distances may be 0, and what is apart seems to be in one place.
+constexpr double kLostDistance = 1e-140;
+
 /// How far two boxes are apart along the axis on which they are farthest apart; 0 or less where they
 /// overlap.
 inline double gapBetween(const Range3d& a, const Range3d& b) {

@@ -98,10 +98,6 @@ namespace {
 
 /// Below this many edges a look at each is cheaper than a tree.
 constexpr std::size_t kFewEdges = 16;
-/// Beyond this size products of coordinates are no longer finite, and nothing may be ruled out.
-constexpr double kLargestPlain = 1e150;
-/// Below this size products may be 0.
-constexpr double kLostDistance = 1e-140;
 constexpr double kRoundings = 1024 * std::numeric_limits<double>::epsilon();
 
 /// Meetings of a line with a closed ring, place by place.

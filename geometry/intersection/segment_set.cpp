@@ -15,10 +15,6 @@ namespace {
 
 /// Up to so many pairs are asked one by one.
 constexpr std::size_t kFewPairs = 512;
-/// Beyond this size products of coordinates are no longer finite, and nothing may be ruled out.
-constexpr double kLargestPlain = 1e150;
-/// Below this size squares may be 0.
-constexpr double kLostDistance = 1e-140;
 
 double largestOf(const Range3d& box) {
     const double low = std::max({std::fabs(box.low.x), std::fabs(box.low.y), std::fabs(box.low.z)});

@@ -17,7 +17,22 @@ set(VEXAKIT_SOURCES
     geometry/size.cpp
     geometry/walkers.cpp
     strings/conversion.cpp
+    strings/copying.cpp
+    strings/environment.cpp
+    strings/formatting.cpp
+    strings/fractions.cpp
+    strings/multibyte_editing.cpp
+    strings/multibyte_paths.cpp
+    strings/multibyte_search.cpp
+    strings/multibyte_stripping.cpp
+    strings/multibyte_tokens.cpp
     strings/release.cpp
+    strings/wide_editing.cpp
+    strings/wide_numbers.cpp
+    strings/wide_paths.cpp
+    strings/wide_search.cpp
+    strings/wide_stripping.cpp
+    strings/wide_tokens.cpp
     transform/geometry_transform.cpp
     transform/matrix.cpp
     wkt/geometry_builder.cpp
@@ -34,17 +49,24 @@ set(VEXAKIT_GENERATED_SOURCES
     wkt/generated/scanner.cpp)
 
 set(VEXAKIT_PLATFORM_SOURCES
-    ansi_code_page.cpp
     critical_section.cpp
     decimal_point.cpp
-    number_print.cpp)
-# Windows knows its code pages itself; its tests compare these with them.
+    encodings.cpp
+    formatted_print.cpp
+    multibyte.cpp
+    number_print.cpp
+    wide_characters.cpp)
+# Windows knows its code pages and character classes itself; its tests compare these with them.
 set(VEXAKIT_CODE_PAGE_SOURCES
+    platform/posix/code_page_to_wide.cpp
     platform/posix/code_pages.cpp
     platform/posix/locale_charset.cpp
     platform/posix/utf8.cpp
+    platform/posix/wide_classes.cpp
+    platform/posix/wide_to_code_page.cpp
     platform/posix/tables/double_byte.cpp
-    platform/posix/tables/single_byte.cpp)
+    platform/posix/tables/single_byte.cpp
+    platform/posix/tables/wide_classes.cpp)
 if(WIN32)
     list(TRANSFORM VEXAKIT_PLATFORM_SOURCES PREPEND platform/windows/)
 else()

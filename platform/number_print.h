@@ -13,4 +13,15 @@ constexpr int kLongestNumber = 800;
 /// @return just past the text
 char* printGeneral(char* out, double value, int precision) noexcept;
 
+/// The most decimals of a fraction, and room that the text of every such fraction fits.
+constexpr int kMostDecimals = 17;
+constexpr int kLongestFraction = 24;
+
+/// Prints a number between -1 and 1 likewise as "%.*f".
+///
+/// @param out  room for `kLongestFraction` characters; not terminated
+/// @param precision  0 to `kMostDecimals`
+/// @return just past the text
+char* printFraction(char* out, double value, int precision) noexcept;
+
 }  // namespace vexa::platform

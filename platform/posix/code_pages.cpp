@@ -1,90 +1,29 @@
 #include "platform/posix/code_pages.h"
 
 #include "platform/posix/code_page_tables.h"
-#include "platform/posix/utf8.h"
-#include "platform/posix/wide_units.h"
 
 #include <algorithm>
-#include <cstddef>
-#include <limits>
 #include <span>
 
 namespace vexa::platform {
 
 namespace {
 
-using Text = std::span<const VexaWChar>;
-using Room = std::span<char>;
-
-char codeOf(const tables::SingleBytePage& page, VexaWChar unit) {
-    const unsigned block = page.blocks[unit / tables::kBlockUnits];
-    return static_cast<char>(tables::kSingleByteBlocks[block][unit % tables::kBlockUnits]);
-}
-
-unsigned codeOf(const tables::DoubleBytePage& page, VexaWChar unit) {
-    const unsigned block = page.blocks[unit / tables::kBlockUnits];
-    return tables::kDoubleByteBlocks[block][unit % tables::kBlockUnits];
-}
-
-std::size_t sizeOf(unsigned code) {
-    return code > 0xFF ? 2 : 1;
-}
-
-std::size_t sizeIn(const tables::DoubleBytePage& page, Text text) {
-    return sumOfBytes(text.data(), text.size(),
-                      [&](std::size_t i) { return sizeOf(codeOf(page, text[i])); });
-}
-
-std::size_t sizeIn(const CodePage& page, Text text) {
-    if (page.singleByte) return text.size();
-    if (page.doubleByte) return sizeIn(*page.doubleByte, text);
-    return utf8Size(text);
-}
-
-std::size_t convert(const tables::SingleBytePage& page, Text text, Room room) {
-    const std::size_t count = std::min(text.size(), room.size());
-    std::size_t i = 0;
-    for (; count - i >= kUnitsAtOnce; i += kUnitsAtOnce) {
-        const VexaWChar* units = &text[i];
-        char* bytes = &room[i];
-        if (packAscii(units, bytes)) continue;
-        for (std::size_t k = 0; k < kUnitsAtOnce; ++k) bytes[k] = codeOf(page, units[k]);
-    }
-    for (; i < count; ++i) room[i] = codeOf(page, text[i]);
-    return count == text.size() ? count : 0;
-}
-
-std::size_t convert(const tables::DoubleBytePage& page, Text text, Room room) {
-    std::size_t used = 0;
-    while (!text.empty()) {
-        const std::size_t left = room.size() - used;
-        if (text[0] < 0x80 && left > 0) {
-            const std::size_t ascii =
-                copyAscii(text.data(), std::min(text.size(), left), &room[used]);
-            used += ascii;
-            text = text.subspan(ascii);
-            continue;
-        }
-        const unsigned code = codeOf(page, text[0]);
-        if (left < sizeOf(code)) return 0;
-        if (sizeOf(code) == 2) room[used++] = static_cast<char>(code >> 8);
-        room[used++] = static_cast<char>(code);
-        text = text.subspan(1);
-    }
-    return used;
-}
-
-std::size_t convert(const CodePage& page, Text text, Room room) {
-    if (page.singleByte) return convert(*page.singleByte, text, room);
-    if (page.doubleByte) return convert(*page.doubleByte, text, room);
-    return wideToUtf8(text, room);
-}
-
 template <typename Page>
 const Page* find(std::span<const Page> pages, unsigned number) {
     const auto page = std::find_if(pages.begin(), pages.end(),
                                    [=](const Page& one) { return one.number == number; });
     return page == pages.end() ? nullptr : &*page;
+}
+
+constexpr unsigned kHighestByte = 0xFF;
+
+unsigned otherCase(std::span<const tables::CaseRange> ranges, unsigned code) {
+    const auto range =
+        std::lower_bound(ranges.begin(), ranges.end(), code,
+                         [](const tables::CaseRange& one, unsigned c) { return one.last < c; });
+    if (range == ranges.end() || code < range->first) return code;
+    return range->other + (code - range->first);
 }
 
 }  // namespace
@@ -98,16 +37,28 @@ std::optional<CodePage> findCodePage(unsigned number) noexcept {
     return page;
 }
 
-int wideToCodePage(CodePage page, const VexaWChar* source, int length, char* out,
-                   int room) noexcept {
-    if (length < -1 || room < 0) return 0;
+unsigned numberOf(const CodePage& page) noexcept {
+    if (page.singleByte) return page.singleByte->number;
+    return page.doubleByte ? page.doubleByte->number : kUtf8Page;
+}
 
-    const std::size_t units =
-        length == -1 ? wideLength(source) + 1 : static_cast<std::size_t>(length);
-    const Text text{source, units};
-    const std::size_t bytes =
-        room == 0 ? sizeIn(page, text) : convert(page, text, {out, static_cast<std::size_t>(room)});
-    return bytes <= std::numeric_limits<int>::max() ? static_cast<int>(bytes) : 0;
+bool isLeadByte(const CodePage& page, char byte) noexcept {
+    return page.doubleByte && page.doubleByte->isLead[static_cast<unsigned char>(byte)];
+}
+
+VexaWChar unitOfCode(const CodePage& page, unsigned code) noexcept {
+    const unsigned block = page.doubleByte->unitBlocks[code / tables::kBlockSize];
+    return tables::kDoubleByteUnits[block][code % tables::kBlockSize];
+}
+
+unsigned upperCase(const CodePage& page, unsigned code) noexcept {
+    if (code <= kHighestByte) return code >= 'a' && code <= 'z' ? code - 'a' + 'A' : code;
+    return page.doubleByte ? otherCase(page.doubleByte->upperCases, code) : code;
+}
+
+unsigned lowerCase(const CodePage& page, unsigned code) noexcept {
+    if (code <= kHighestByte) return code >= 'A' && code <= 'Z' ? code - 'A' + 'a' : code;
+    return page.doubleByte ? otherCase(page.doubleByte->lowerCases, code) : code;
 }
 
 }  // namespace vexa::platform

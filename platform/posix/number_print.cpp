@@ -11,4 +11,9 @@ char* printGeneral(char* out, double value, int precision) noexcept {
         .ptr;
 }
 
+char* printFraction(char* out, double value, int precision) noexcept {
+    return std::to_chars(out, out + kLongestFraction, value, std::chars_format::fixed, precision)
+        .ptr;
+}
+
 }  // namespace vexa::platform

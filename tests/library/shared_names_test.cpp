@@ -35,6 +35,10 @@ INSTANTIATE_TEST_SUITE_P(
     testing::Values(std::pair{"vexaWKB_destroyGeom", "vexaWKB_destroyGeomCollection"},
                     std::pair{"vexaParse_initialize", "vexaParse_uninitialize"},
                     std::pair{"string_freeA", "string_freeW"},
+                    std::pair{"string_incrementW", "string_nextCharW"},
+                    std::pair{"string_numCharsW", "string_safeLengthW"},
+                    std::pair{"stringCnv_tcsToWcs", "stringCnv_wcsToTcs"},
+                    std::pair{"stringCnv_tcsToWcsAlloc", "stringCnv_wcsToTcsAlloc"},
                     std::pair{"vexaWKB_transformPolygon", "vexaWKB_transformMultiLine"}),
     [](const auto& info) { return std::string{info.param.second}; });
 

@@ -1,4 +1,4 @@
-#include "platform/ansi_code_page.h"
+#include "platform/encodings.h"
 
 #include "platform/posix/code_pages.h"
 #include "tests/support/wide_text.h"

@@ -5,8 +5,11 @@
 #include <windows.h>
 
 #include <iostream>
+#include <mbctype.h>
+#include <mbstring.h>
 #include <random>
 #include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -58,6 +61,113 @@ TEST_P(SystemsCodePage, ConvertsRandomTextAlikeIntoRoomsOfAnySize) {
         ASSERT_EQ(ours.room, theirs.room) << readable(text) << " in " << room;
         ASSERT_TRUE(ours.guardsUntouched) << readable(text) << " in " << room;
     }
+}
+
+// What a conversion to wide text returned, and its room of four units afterwards.
+struct WideResult {
+    int returned;
+    WideString room;
+
+    bool operator==(const WideResult&) const = default;
+};
+
+WideResult ourUnits(unsigned page, const std::string& bytes, int length) {
+    WideResult result{0, WideString(4, kUntouchedCell)};
+    result.returned = platform::codePageToWide(platform::findCodePage(page).value(), bytes.c_str(),
+                                               length, result.room.data(), 4);
+    return result;
+}
+
+WideResult theirUnits(unsigned page, const std::string& bytes, int length) {
+    WideResult result{0, WideString(4, kUntouchedCell)};
+    result.returned = MultiByteToWideChar(page, 0, bytes.c_str(), length, result.room.data(), 4);
+    return result;
+}
+
+// Each byte by itself, each two bytes, and each with the terminator behind them.
+TEST_P(SystemsCodePage, ReadsEveryCodeAlike) {
+    const unsigned page = GetParam();
+    if (page == 65001) GTEST_SKIP() << "has characters of up to four bytes: they are read below";
+
+    unsigned differing = 0;
+    const auto compare = [&](const std::string& bytes, int length) {
+        if (ourUnits(page, bytes, length) == theirUnits(page, bytes, length)) return;
+        if (differing++ < 10) ADD_FAILURE() << testing::PrintToString(bytes);
+    };
+    for (unsigned code = 0; code < 0x10000; ++code) {
+        const std::string two = {static_cast<char>(code >> 8), static_cast<char>(code)};
+        compare(two, 2);
+        compare(two, -1);
+        if (code < 0x100) compare(two.substr(1), 1);
+        if (code < 0x100) compare(two.substr(1), -1);
+    }
+    std::cout << "Code page " << page << ": " << differing << " of 65536 codes differ\n";
+    EXPECT_EQ(differing, 0U);
+}
+
+TEST(SystemsUtf8, IsReadAlikeCharacterByCharacterAndWhereItIsCut) {
+    unsigned differing = 0;
+    for (unsigned code = 1; code < 0x110000; ++code) {
+        if (code >= 0xD800 && code < 0xE000) continue;
+        const WideString wide =
+            code < 0x10000 ? WideString{static_cast<wchar_t>(code)}
+                           : WideString{static_cast<wchar_t>(0xD800 + ((code - 0x10000) >> 10)),
+                                        static_cast<wchar_t>(0xDC00 + (code & 0x3FF))};
+        const std::string bytes = inPage(65001, wide);
+        for (std::size_t size = 1; size <= bytes.size(); ++size) {
+            const std::string part = bytes.substr(0, size);
+            if (ourUnits(65001, part, -1) == theirUnits(65001, part, -1)) continue;
+            if (differing++ < 10) ADD_FAILURE() << code << " cut to " << size << " bytes";
+        }
+    }
+    std::cout << "Code page 65001: " << differing << " of 1112063 characters differ\n";
+    EXPECT_EQ(differing, 0U);
+}
+
+// The runtime's multibyte functions can be set to a page; afterwards they have that of before.
+class RuntimesPage {
+public:
+    explicit RuntimesPage(unsigned page) : before_(_getmbcp()) { _setmbcp(static_cast<int>(page)); }
+    RuntimesPage(const RuntimesPage&) = delete;
+    RuntimesPage& operator=(const RuntimesPage&) = delete;
+    ~RuntimesPage() { _setmbcp(before_); }
+
+private:
+    int before_;
+};
+
+TEST_P(SystemsCodePage, HasTheSameLeadBytes) {
+    const platform::CodePage page = platform::findCodePage(GetParam()).value();
+    const RuntimesPage runtimes(GetParam());
+
+    for (unsigned byte = 0; byte < 0x100; ++byte) {
+        const bool isLead = _ismbblead(byte) != 0;
+        EXPECT_EQ(platform::isLeadByte(page, static_cast<char>(byte)), isLead) << byte;
+    }
+}
+
+// A letter whose other case the page lacks has none.
+unsigned otherCase(unsigned code, unsigned (*change)(unsigned)) {
+    const unsigned other = change(code);
+    return other > 0xFF ? other : code;
+}
+
+TEST_P(SystemsCodePage, HasTheSameCasesOfDoubleByteLetters) {
+    const platform::CodePage page = platform::findCodePage(GetParam()).value();
+    const RuntimesPage runtimes(GetParam());
+
+    unsigned differing = 0;
+    for (unsigned code = 0x100; code < 0x10000; ++code) {
+        const bool isCode = _ismbblead(code >> 8) != 0 && (code & 0xFF) != 0;
+        const unsigned upper = isCode ? otherCase(code, &_mbctoupper) : code;
+        const unsigned lower = isCode ? otherCase(code, &_mbctolower) : code;
+        if (platform::upperCase(page, code) == upper && platform::lowerCase(page, code) == lower) {
+            continue;
+        }
+        if (differing++ < 10) ADD_FAILURE() << "code " << code;
+    }
+    std::cout << "Code page " << GetParam() << ": the cases of " << differing << " codes differ\n";
+    EXPECT_EQ(differing, 0U);
 }
 
 }  // namespace

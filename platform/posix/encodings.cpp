@@ -1,6 +1,6 @@
-#include "platform/ansi_code_page.h"
+#include "platform/encodings.h"
 
-#include "platform/posix/code_pages.h"
+#include "platform/posix/ansi_page.h"
 #include "platform/posix/locale_charset.h"
 
 #include <cstdlib>
@@ -24,8 +24,28 @@ const CodePage kAnsiPage = environmentsPage();
 
 }  // namespace
 
+const CodePage& ansiPage() noexcept {
+    return kAnsiPage;
+}
+
+unsigned ansiCodePage() noexcept {
+    return numberOf(kAnsiPage);
+}
+
 int wideToAnsi(const VexaWChar* source, int length, char* out, int room) noexcept {
     return wideToCodePage(kAnsiPage, source, length, out, room);
+}
+
+int ansiToWide(const char* source, int length, VexaWChar* out, int room) noexcept {
+    return codePageToWide(kAnsiPage, source, length, out, room);
+}
+
+int wideToUtf8(const VexaWChar* source, int length, char* out, int room) noexcept {
+    return wideToCodePage(CodePage{}, source, length, out, room);
+}
+
+int utf8ToWide(const char* source, int length, VexaWChar* out, int room) noexcept {
+    return codePageToWide(CodePage{}, source, length, out, room);
 }
 
 }  // namespace vexa::platform

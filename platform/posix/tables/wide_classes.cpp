@@ -1,0 +1,43 @@
+// Made by tools/code_pages/generate.
+// clang-format off
+
+#include "platform/posix/wide_classes.h"
+
+namespace vexa::platform::tables {
+
+namespace {
+constexpr UnitRange kWideSpaceRanges[] = {
+{0xa0, 0xa0},
+{0x1680, 0x1680},
+{0x2000, 0x200a},
+{0x2028, 0x2029},
+{0x202f, 0x202f},
+{0x205f, 0x205f},
+{0x3000, 0x3000},
+};
+}  // namespace
+
+const std::span<const UnitRange> kWideSpaces = kWideSpaceRanges;
+
+namespace {
+constexpr UnitRange kWideControlRanges[] = {
+{0x80, 0x9f},
+{0x600, 0x605},
+{0x61c, 0x61c},
+{0x6dd, 0x6dd},
+{0x70f, 0x70f},
+{0x890, 0x891},
+{0x8e2, 0x8e2},
+{0x180e, 0x180e},
+{0x200b, 0x200f},
+{0x202a, 0x202e},
+{0x2060, 0x2064},
+{0x2066, 0x206f},
+{0xfeff, 0xfeff},
+{0xfff9, 0xfffb},
+};
+}  // namespace
+
+const std::span<const UnitRange> kWideControls = kWideControlRanges;
+
+}  // namespace vexa::platform::tables

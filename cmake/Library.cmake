@@ -16,6 +16,15 @@ set(VEXAKIT_SOURCES
     geometry/range.cpp
     geometry/size.cpp
     geometry/walkers.cpp
+    locks/inter_process_lock.cpp
+    locks/mutex_lock.cpp
+    locks/object_name.cpp
+    locks/reference_count.cpp
+    locks/reg_settings.cpp
+    locks/rw_lock.cpp
+    locks/slot_array.cpp
+    locks/thread_lock.cpp
+    locks/thread_locks.cpp
     strings/conversion.cpp
     strings/copying.cpp
     strings/environment.cpp
@@ -25,6 +34,7 @@ set(VEXAKIT_SOURCES
     strings/multibyte_paths.cpp
     strings/multibyte_search.cpp
     strings/multibyte_stripping.cpp
+    strings/multibyte_text.cpp
     strings/multibyte_tokens.cpp
     strings/release.cpp
     strings/wide_editing.cpp
@@ -53,8 +63,12 @@ set(VEXAKIT_PLATFORM_SOURCES
     decimal_point.cpp
     encodings.cpp
     formatted_print.cpp
+    identity.cpp
+    kernel_objects.cpp
     multibyte.cpp
     number_print.cpp
+    security.cpp
+    short_lock.cpp
     wide_characters.cpp)
 # Windows knows its code pages and character classes itself; its tests compare these with them.
 set(VEXAKIT_CODE_PAGE_SOURCES
@@ -63,6 +77,7 @@ set(VEXAKIT_CODE_PAGE_SOURCES
     platform/posix/locale_charset.cpp
     platform/posix/utf8.cpp
     platform/posix/wide_classes.cpp
+    platform/posix/wide_length.cpp
     platform/posix/wide_to_code_page.cpp
     platform/posix/tables/double_byte.cpp
     platform/posix/tables/single_byte.cpp
@@ -71,7 +86,14 @@ if(WIN32)
     list(TRANSFORM VEXAKIT_PLATFORM_SOURCES PREPEND platform/windows/)
 else()
     list(TRANSFORM VEXAKIT_PLATFORM_SOURCES PREPEND platform/posix/)
-    list(APPEND VEXAKIT_PLATFORM_SOURCES ${VEXAKIT_CODE_PAGE_SOURCES})
+    list(APPEND VEXAKIT_PLATFORM_SOURCES ${VEXAKIT_CODE_PAGE_SOURCES}
+        platform/posix/event_state.cpp
+        platform/posix/futex.cpp
+        platform/posix/handle_table.cpp
+        platform/posix/mutex_state.cpp
+        platform/posix/named_mutexes.cpp
+        platform/posix/object_path.cpp
+        platform/posix/shared_file.cpp)
 endif()
 
 # A generated machine keeps its generator's habits.

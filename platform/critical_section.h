@@ -15,6 +15,8 @@ public:
     ~CriticalSection();
 
     void enter() noexcept;
+    /// @return whether the calling thread now owns the lock; does not wait
+    bool tryEnter() noexcept;
     void leave() noexcept;
 
 private:

@@ -14,6 +14,17 @@ bool isSpace(const char* text) {
     return platform::isSpace(firstCharacter(text).code);
 }
 
+// A lead byte at the end is kept from whoever might take the terminator for its trail.
+void changeCase(char* text, void (*change)(char* text) noexcept) {
+    const size_t size = std::strlen(text);
+    char* const last = size > 0 ? text + (previousCharacter(text, text + size) - text) : text;
+    const char kept = *last;
+    const bool endsWithLead = platform::isLeadByte(kept) && last + 1 == text + size;
+    if (endsWithLead) *last = '\0';
+    change(text);
+    if (endsWithLead) *last = kept;
+}
+
 char* copyBytes(const char* from, size_t count, char* to) {
     std::memmove(to, from, count);
     return to + count;
@@ -22,12 +33,12 @@ char* copyBytes(const char* from, size_t count, char* to) {
 }  // namespace
 
 char* string_toUpperA(char* text) {
-    if (text) platform::toUpper(text);
+    if (text) changeCase(text, &platform::toUpper);
     return text;
 }
 
 char* string_toLowerA(char* text) {
-    if (text) platform::toLower(text);
+    if (text) changeCase(text, &platform::toLower);
     return text;
 }
 
@@ -86,7 +97,7 @@ char* string_stripTrailWhiteSpaceA(char* text) {
 
     char* end = text + std::strlen(text);
     while (end > text) {
-        const size_t last = static_cast<size_t>(platform::previousCharacter(text, end) - text);
+        const size_t last = static_cast<size_t>(previousCharacter(text, end) - text);
         if (!isSpace(text + last)) break;
         std::memset(text + last, 0, static_cast<size_t>(end - text) - last);
         end = text + last;

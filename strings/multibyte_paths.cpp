@@ -1,4 +1,4 @@
-#include "platform/multibyte.h"
+#include "strings/multibyte_text.h"
 #include "vexakit/strings.h"
 
 #include <cstring>
@@ -12,8 +12,7 @@ constexpr char kExtensionMark = '.';
 
 // The last one, null where there is none. A trail byte of the same value is no such character.
 char* findLast(char* path, char character) {
-    const char* const last =
-        platform::findLastCharacter(path, static_cast<unsigned char>(character));
+    const char* const last = findLastCharacter(path, static_cast<unsigned char>(character));
     return last ? path + (last - path) : nullptr;
 }
 

@@ -1,4 +1,4 @@
-#include "platform/multibyte.h"
+#include "strings/multibyte_text.h"
 #include "vexakit/strings.h"
 
 #include <cstring>
@@ -16,10 +16,14 @@ char* mutableText(const char* text) {
     return const_cast<char*>(text);
 }
 
+const char* nextCharacter(const char* at) {
+    return at + firstCharacter(at).bytes;
+}
+
 }  // namespace
 
 size_t string_numCharsA(const char* text) {
-    return text ? platform::characterCount(text) : 0;
+    return text ? characterCount(text) : 0;
 }
 
 size_t string_safeLengthA(const char* text) {
@@ -30,20 +34,20 @@ size_t string_getCharCountA(const char* text, unsigned int character) {
     if (!text || isEmpty(text)) return 0;
 
     size_t count = 0;
-    for (const char* at = platform::findCharacter(text, character); at && !isEmpty(at);
-         at = platform::findCharacter(platform::nextCharacter(at), character)) {
+    for (const char* at = findCharacter(text, character); at && !isEmpty(at);
+         at = findCharacter(nextCharacter(at), character)) {
         ++count;
     }
     return count;
 }
 
 char* string_incrementA(const char* position) {
-    return position ? mutableText(platform::nextCharacter(position)) : nullptr;
+    return position ? mutableText(nextCharacter(position)) : nullptr;
 }
 
 char* string_decrementA(const char* start, const char* position) {
     if (!start || !position || position <= start) return nullptr;
-    return mutableText(platform::previousCharacter(start, position));
+    return mutableText(previousCharacter(start, position));
 }
 
 char* string_getLastCharA(const char* text) {
@@ -54,14 +58,14 @@ char* string_getLastCharA(const char* text) {
 }
 
 char* string_strchrA(const char* text, unsigned int character) {
-    return text ? mutableText(platform::findCharacter(text, character)) : nullptr;
+    return text ? mutableText(findCharacter(text, character)) : nullptr;
 }
 
 char* string_strrchrA(const char* text, unsigned int character) {
-    return text ? mutableText(platform::findLastCharacter(text, character)) : nullptr;
+    return text ? mutableText(findLastCharacter(text, character)) : nullptr;
 }
 
 char* string_strstrA(const char* text, const char* part) {
     if (!text || !part || isEmpty(text) || isEmpty(part)) return nullptr;
-    return mutableText(platform::findText(text, part));
+    return mutableText(findText(text, part));
 }

@@ -16,6 +16,28 @@ typedef char16_t VexaWChar;
 typedef uint16_t VexaWChar;
 #endif
 
+/**
+ * Who may use a named lock. On Windows these are the system's own types. Elsewhere the library reads
+ * the permission bits alone; they count for the process that creates the lock's shared objects.
+ */
+#if defined(_WIN32)
+typedef struct _SECURITY_ATTRIBUTES SECURITY_ATTRIBUTES;
+#else
+typedef struct SECURITY_DESCRIPTOR {
+    /** Permission bits of a file, such as 0660. */
+    uint32_t mode;
+} SECURITY_DESCRIPTOR;
+
+typedef struct SECURITY_ATTRIBUTES {
+    /** 24, the size of this structure; not looked at. */
+    uint32_t nLength;
+    /** A `SECURITY_DESCRIPTOR`; null stands for 0600. */
+    void* lpSecurityDescriptor;
+    /** Not looked at. */
+    int32_t bInheritHandle;
+} SECURITY_ATTRIBUTES;
+#endif
+
 /** Values of the `type` word of a geometry buffer. */
 enum VexaGeometryType {
     VEXA_POINT = 1,

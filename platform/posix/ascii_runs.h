@@ -6,7 +6,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <limits>
 
 #if defined(__SSE2__)
 #include <emmintrin.h>
@@ -16,8 +15,6 @@ namespace vexa::platform {
 
 /// Text is looked at so many characters at a time.
 constexpr std::size_t kAtOnce = 16;
-
-constexpr std::size_t kUnlimited = std::numeric_limits<std::size_t>::max();
 
 constexpr bool isAscii(VexaWChar unit) {
     return unit < 0x80;
@@ -60,33 +57,6 @@ inline void copyBlock(const char* bytes, VexaWChar* units) noexcept {
     store(units + 8, _mm_unpackhi_epi8(block, _mm_setzero_si128()));
 }
 
-/// Units of the text before its terminator, at most `most`. An aligned load stays within its page of
-/// memory, so it may pass the end of the text: what it finds there is not looked at.
-[[gnu::no_sanitize_address, gnu::no_sanitize_thread]] inline std::size_t unitsBeforeTerminator(
-    const VexaWChar* text, std::size_t most = kUnlimited) noexcept {
-    constexpr std::size_t kUnits = sizeof(__m128i) / sizeof(VexaWChar);
-    const __m128i zero = _mm_setzero_si128();
-    std::size_t done = 0;
-    for (; reinterpret_cast<std::uintptr_t>(text + done) % (4 * sizeof(__m128i)) != 0; ++done) {
-        if (done == most || text[done] == 0) return done;
-    }
-    const auto zerosAt = [&](std::size_t block) {
-        const auto* from = reinterpret_cast<const __m128i*>(text + done) + block;
-        return _mm_cmpeq_epi16(_mm_load_si128(from), zero);
-    };
-    // Four blocks at a time, which lie in one line of the cache.
-    for (; done < most; done += 4 * kUnits) {
-        const __m128i first = _mm_packs_epi16(zerosAt(0), zerosAt(1));
-        const __m128i second = _mm_packs_epi16(zerosAt(2), zerosAt(3));
-        if (_mm_movemask_epi8(_mm_or_si128(first, second)) == 0) continue;
-        const auto low = static_cast<std::uint32_t>(_mm_movemask_epi8(first));
-        const auto high = static_cast<std::uint32_t>(_mm_movemask_epi8(second));
-        const auto place = static_cast<std::size_t>(__builtin_ctz(low | high << 16));
-        return std::min(done + place, most);
-    }
-    return most;
-}
-
 #else
 
 template <std::uint64_t kMask, typename Character>
@@ -109,13 +79,6 @@ inline bool areAscii(const char* bytes) noexcept {
 template <typename From, typename To>
 void copyBlock(const From* from, To* to) noexcept {
     for (std::size_t i = 0; i < kAtOnce; ++i) to[i] = static_cast<To>(from[i]);
-}
-
-inline std::size_t unitsBeforeTerminator(const VexaWChar* text,
-                                         std::size_t most = kUnlimited) noexcept {
-    std::size_t done = 0;
-    while (done < most && text[done] != 0) ++done;
-    return done;
 }
 
 #endif

@@ -28,6 +28,10 @@ void CriticalSection::enter() noexcept {
     pthread_mutex_lock(mutexIn(section_.data()));
 }
 
+bool CriticalSection::tryEnter() noexcept {
+    return pthread_mutex_trylock(mutexIn(section_.data())) == 0;
+}
+
 void CriticalSection::leave() noexcept {
     pthread_mutex_unlock(mutexIn(section_.data()));
 }

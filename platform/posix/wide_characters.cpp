@@ -1,7 +1,7 @@
 #include "platform/wide_characters.h"
 
-#include "platform/posix/ascii_runs.h"
 #include "platform/posix/wide_classes.h"
+#include "platform/posix/wide_length.h"
 
 namespace vexa::platform {
 

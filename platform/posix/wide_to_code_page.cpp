@@ -2,6 +2,7 @@
 #include "platform/posix/code_page_tables.h"
 #include "platform/posix/code_pages.h"
 #include "platform/posix/utf8.h"
+#include "platform/posix/wide_length.h"
 
 #include <algorithm>
 #include <cstddef>

@@ -26,6 +26,10 @@ void CriticalSection::enter() noexcept {
     EnterCriticalSection(systemSection(section_.data()));
 }
 
+bool CriticalSection::tryEnter() noexcept {
+    return TryEnterCriticalSection(systemSection(section_.data())) != 0;
+}
+
 void CriticalSection::leave() noexcept {
     LeaveCriticalSection(systemSection(section_.data()));
 }

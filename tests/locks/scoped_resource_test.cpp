@@ -180,8 +180,8 @@ TEST(ScopedResource, HoldsAResourceByValue) {
 // Policies for whatever is entered and left, the library's lock among them.
 struct Room {
     int inside = 0;
-    void enter() { ++inside; }
-    void leave() { --inside; }
+    void Enter() { ++inside; }
+    void Leave() { --inside; }
 };
 
 TEST(ThreadLockPolicies, EnterAndLeave) {

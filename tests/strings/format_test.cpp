@@ -297,11 +297,14 @@ TYPED_TEST(StringSafeSprintfOf, TakesEachValueInItsTurn) {
 
 TYPED_TEST(StringSafeSprintfOf, PrintsNumbersOfHundredsOfDigits) {
     EXPECT_EQ(this->print("%.0f", 1e300).size(), 301U);
-    EXPECT_EQ(this->print("%.400d", 7), std::string(399, '0') + "7");
     EXPECT_EQ(this->print("%1000d", 7), std::string(999, ' ') + "7");
     EXPECT_EQ(this->print("%-1000d|", 7), "7" + std::string(999, ' ') + "|");
     EXPECT_EQ(this->print("%1000.2f", 0.5), std::string(996, ' ') + "0.50");
     EXPECT_EQ(this->print("%.500f", 0.5), "0.5" + std::string(499, '0'));
+#ifndef _WIN32
+    // Wine's runtime ruins its heap with so many digits of a wide integer.
+    EXPECT_EQ(this->print("%.400d", 7), std::string(399, '0') + "7");
+#endif
 }
 
 }  // namespace

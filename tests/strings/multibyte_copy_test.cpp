@@ -87,7 +87,7 @@ void PrintTo(const Printer& row, std::ostream* out) {
     *out << row.name;
 }
 
-class StringSafeSprintfA : public testing::TestWithParam<Printer> {
+class StringSafePrintA : public testing::TestWithParam<Printer> {
 protected:
     static std::uint32_t print(char* destination, std::size_t size, const char* format,
                                auto... values) {
@@ -103,12 +103,12 @@ protected:
         return destination.text();
     }
 };
-INSTANTIATE_TEST_SUITE_P(Table, StringSafeSprintfA,
+INSTANTIATE_TEST_SUITE_P(Table, StringSafePrintA,
                          testing::Values(Printer{"Values", &string_safeSprintfA},
                                          Printer{"List", &printThroughAList}),
                          [](const auto& info) { return info.param.name; });
 
-TEST_P(StringSafeSprintfA, PrintsTextThatFits) {
+TEST_P(StringSafePrintA, PrintsTextThatFits) {
     GuardedBytes destination(8);
 
     EXPECT_EQ(print(destination.data(), 8, "%d-%s", 42, "ab"), kSuccess);
@@ -117,7 +117,7 @@ TEST_P(StringSafeSprintfA, PrintsTextThatFits) {
     EXPECT_TRUE(destination.areGuardsUntouched());
 }
 
-TEST_P(StringSafeSprintfA, TerminatesTextThatJustFits) {
+TEST_P(StringSafePrintA, TerminatesTextThatJustFits) {
     GuardedBytes destination(6);
 
     EXPECT_EQ(print(destination.data(), 6, "%d-%s", 42, "ab"), kSuccess);
@@ -125,7 +125,7 @@ TEST_P(StringSafeSprintfA, TerminatesTextThatJustFits) {
     EXPECT_TRUE(destination.areGuardsUntouched());
 }
 
-TEST_P(StringSafeSprintfA, LeavesTextThatDoesNotFitUnterminated) {
+TEST_P(StringSafePrintA, LeavesTextThatDoesNotFitUnterminated) {
     for (const char* const value : {"abc", "abcd", "abundantly longer text"}) {
         GuardedBytes destination(6);
 
@@ -135,7 +135,7 @@ TEST_P(StringSafeSprintfA, LeavesTextThatDoesNotFitUnterminated) {
     }
 }
 
-TEST_P(StringSafeSprintfA, HasRoomForNothingInASizeOfOne) {
+TEST_P(StringSafePrintA, HasRoomForNothingInASizeOfOne) {
     GuardedBytes destination(1);
 
     EXPECT_EQ(print(destination.data(), 1, "%s", "a"), kFailure);
@@ -145,7 +145,7 @@ TEST_P(StringSafeSprintfA, HasRoomForNothingInASizeOfOne) {
     EXPECT_TRUE(destination.areGuardsUntouched());
 }
 
-TEST_P(StringSafeSprintfA, PrintsTextOfAnyLength) {
+TEST_P(StringSafePrintA, PrintsTextOfAnyLength) {
     const std::string text(100'000, 't');
     GuardedBytes destination(text.size() + 3);
 
@@ -154,7 +154,7 @@ TEST_P(StringSafeSprintfA, PrintsTextOfAnyLength) {
     EXPECT_TRUE(destination.areGuardsUntouched());
 }
 
-TEST_P(StringSafeSprintfA, RefusesNullPointersAndASizeOfZero) {
+TEST_P(StringSafePrintA, RefusesNullPointersAndASizeOfZero) {
     GuardedBytes destination(4);
 
     EXPECT_EQ(print(nullptr, 4, "%s", "a"), kFailure);
@@ -164,12 +164,12 @@ TEST_P(StringSafeSprintfA, RefusesNullPointersAndASizeOfZero) {
     EXPECT_EQ(destination.bytes(), untouched(4));
 }
 
-TEST_P(StringSafeSprintfA, PrintsTheFormatItself) {
+TEST_P(StringSafePrintA, PrintsTheFormatItself) {
     EXPECT_EQ(printed(""), "");
     EXPECT_EQ(printed("100%% \x83\x5C"), "100% \x83\x5C");
 }
 
-TEST_P(StringSafeSprintfA, PrintsWholeNumbers) {
+TEST_P(StringSafePrintA, PrintsWholeNumbers) {
     EXPECT_EQ(printed("%d %i %u", -1, -2, 4294967295U), "-1 -2 4294967295");
     EXPECT_EQ(printed("%05d|%-5d|%+d|% d|%5d|%.3d", 42, 42, 42, 42, 42, 42),
               "00042|42   |+42| 42|   42|042");
@@ -178,12 +178,12 @@ TEST_P(StringSafeSprintfA, PrintsWholeNumbers) {
     EXPECT_EQ(printed("%hd %hu", 65535, 65535), "-1 65535");
 }
 
-TEST_P(StringSafeSprintfA, TakesALongFor32Bits) {
+TEST_P(StringSafePrintA, TakesALongFor32Bits) {
     EXPECT_EQ(printed("%ld %lu %lx|%s", -1, 4294967295U, 0xFFFFFFFFU, "next"),
               "-1 4294967295 ffffffff|next");
 }
 
-TEST_P(StringSafeSprintfA, PrintsSizedNumbers) {
+TEST_P(StringSafePrintA, PrintsSizedNumbers) {
     constexpr std::int64_t kLeast = INT64_MIN;
     EXPECT_EQ(printed("%lld %I64d", kLeast, kLeast), "-9223372036854775808 -9223372036854775808");
     EXPECT_EQ(printed("%llu %I64u %I64x", UINT64_MAX, UINT64_MAX, UINT64_MAX),
@@ -192,7 +192,7 @@ TEST_P(StringSafeSprintfA, PrintsSizedNumbers) {
     EXPECT_EQ(printed("%08I64d|%-8I32d|", std::int64_t{-5}, -5), "-0000005|-5      |");
 }
 
-TEST_P(StringSafeSprintfA, PrintsNarrowText) {
+TEST_P(StringSafePrintA, PrintsNarrowText) {
     EXPECT_EQ(printed("%s|%5s|%-5s|%.2s|%.*s", "abc", "abc", "abc", "abc", 1, "abc"),
               "abc|  abc|abc  |ab|a");
     EXPECT_EQ(printed("%hs %hc %c", "abc", 'd', 'e'), "abc d e");
@@ -200,7 +200,7 @@ TEST_P(StringSafeSprintfA, PrintsNarrowText) {
     EXPECT_EQ(printed("%s", "\xE9\x83\x5C"), "\xE9\x83\x5C");
 }
 
-TEST_P(StringSafeSprintfA, PrintsWideText) {
+TEST_P(StringSafePrintA, PrintsWideText) {
     const WideString text = wide("abc");
     EXPECT_EQ(printed("%S %ls %ws", text.c_str(), text.c_str(), text.c_str()), "abc abc abc");
     EXPECT_EQ(printed("%5S|%-5ls|%.2S", text.c_str(), text.c_str(), text.c_str()),
@@ -208,12 +208,12 @@ TEST_P(StringSafeSprintfA, PrintsWideText) {
     EXPECT_EQ(printed("%C%lc", VexaWChar{'a'}, VexaWChar{'b'}), "ab");
 }
 
-TEST_P(StringSafeSprintfA, TakesAWideCharacterForTheByteOfItsValue) {
+TEST_P(StringSafePrintA, TakesAWideCharacterForTheByteOfItsValue) {
     const WideString text = {'a', 0xE9, 'z'};
     EXPECT_EQ(printed("%S|%C", text.c_str(), VexaWChar{0xE9}), "a\xE9z|\xE9");
 }
 
-TEST_P(StringSafeSprintfA, HasNoByteForAWideCharacterAbove255) {
+TEST_P(StringSafePrintA, HasNoByteForAWideCharacterAbove255) {
     const WideString text = {'a', 0x20AC};
     GuardedBytes destination(20);
 
@@ -222,18 +222,18 @@ TEST_P(StringSafeSprintfA, HasNoByteForAWideCharacterAbove255) {
     EXPECT_EQ(printed("<%C>", VexaWChar{0x20AC}), "<>");
 }
 
-TEST_P(StringSafeSprintfA, PrintsNullText) {
+TEST_P(StringSafePrintA, PrintsNullText) {
     const char* const narrow = nullptr;
     const VexaWChar* const none = nullptr;
     EXPECT_EQ(printed("%s %S %ls", narrow, none, none), "(null) (null) (null)");
 }
 
-TEST_P(StringSafeSprintfA, PrintsFractions) {
+TEST_P(StringSafePrintA, PrintsFractions) {
     EXPECT_EQ(printed("%f %.2f %8.3f|%-8.1f|%g", 1.5, -2.25, 3.14159, 4.0, 0.5),
               "1.500000 -2.25    3.142|4.0     |0.5");
 }
 
-TEST_P(StringSafeSprintfA, PrintsPointersInSixteenDigits) {
+TEST_P(StringSafePrintA, PrintsPointersInSixteenDigits) {
     const int here = 0;
     const void* const address = &here;
     std::ostringstream digits;
@@ -244,13 +244,13 @@ TEST_P(StringSafeSprintfA, PrintsPointersInSixteenDigits) {
     EXPECT_EQ(printed("%p", static_cast<const void*>(nullptr)), "0000000000000000");
 }
 
-TEST_P(StringSafeSprintfA, PrintsSizesOfAPointersWidth) {
+TEST_P(StringSafePrintA, PrintsSizesOfAPointersWidth) {
     EXPECT_EQ(printed("%zu %Id %td", SIZE_MAX, std::ptrdiff_t{-1}, std::ptrdiff_t{-2}),
               "18446744073709551615 -1 -2");
 }
 
 #ifndef _WIN32
-TEST_P(StringSafeSprintfA, RefusesToCountCharacters) {
+TEST_P(StringSafePrintA, RefusesToCountCharacters) {
     GuardedBytes destination(8);
     int count = 99;
 

@@ -75,11 +75,7 @@ TEST(StringGetCharCountA, DoesNotTakeTheTerminatorForACharacter) {
 
 TEST(StringGetCharCountAInPage932, SeesWholeCharacters) {
     VEXA_NEEDS_PAGE(932);
-    EXPECT_EQ(counted(string_getCharCountA,
-                      "a\x83\x61"
-                      "a",
-                      'a'),
-              2U);
+    EXPECT_EQ(counted(string_getCharCountA, "a\x83\x61za", 'a'), 2U);
     EXPECT_EQ(counted(string_getCharCountA, "\x83\x5C\\\x83\x5C", '\\'), 1U);
     EXPECT_EQ(counted(string_getCharCountA, "\x83\x5C\\\x83\x5C", 0x835C), 2U);
     EXPECT_EQ(counted(string_getCharCountA, "\x83\x83\x5C", 0x835C), 0U);
@@ -281,11 +277,7 @@ TEST(StringStrchrAInPage1252, LooksAtTheLowEightBits) {
     EXPECT_EQ(found(string_strchrA, "a\xE9", 0xE9), 1);
     EXPECT_EQ(found(string_strchrA, "a\xE9", 0xFFFFFFE9), 1);
     EXPECT_EQ(found(string_strrchrA, "bab", 0x8362), 2);
-    EXPECT_EQ(found(string_strrchrA,
-                    "\xE9"
-                    "a\xE9",
-                    0xFFFFFFE9),
-              2);
+    EXPECT_EQ(found(string_strrchrA, "\xE9z\xE9", 0xFFFFFFE9), 2);
 }
 
 TEST(StringStrchrAInPage65001, FindsBytes) {
@@ -320,18 +312,6 @@ TEST(StringStrstrAInPage932, FindsDoubleByteText) {
     EXPECT_EQ(found(string_strstrA, "\x83\x61\x83\x61\x83\x5C", "\x83\x61\x83\x5C"), 2);
 }
 
-// On Windows the runtime decides, and not every one of them looks at characters.
-std::ptrdiff_t placeOfWhole([[maybe_unused]] const char* text, [[maybe_unused]] const char* part,
-                            [[maybe_unused]] std::ptrdiff_t place) {
-#ifdef _WIN32
-    const auto* const start = reinterpret_cast<const unsigned char*>(text);
-    const auto* const found = _mbsstr(start, reinterpret_cast<const unsigned char*>(part));
-    return found ? found - start : kNowhere;
-#else
-    return place;
-#endif
-}
-
 struct WholeCase {
     const char* text;
     const char* part;
@@ -345,7 +325,7 @@ TEST(StringStrstrAInPage932, MatchesWholeCharacters) {
                                     {"\x83\x83\x5C", "\x83\x5C", kNowhere},
                                     {"\x83\x83\x5C\x83\x5C", "\x83\x5C", 3}};
     for (const auto& [text, part, place] : kCases) {
-        EXPECT_EQ(found(string_strstrA, text, part), placeOfWhole(text, part, place))
+        EXPECT_EQ(found(string_strstrA, text, part), place)
             << testing::PrintToString(text) << ' ' << testing::PrintToString(part);
     }
 }

@@ -165,10 +165,7 @@ TEST(StringGetTokenA, RefusesANullToken) {
 TEST(StringGetTokenAInPage932, StepsOverTrailBytes) {
     VEXA_NEEDS_PAGE(932);
     EXPECT_EQ(firstToken("\x83\x5C\\z", "\\", 2), (Token{"\x83\x5C", 3}));
-    EXPECT_EQ(firstToken("z\x83\x61"
-                         "a",
-                         "a", 3),
-              (Token{"z\x83\x61", 4}));
+    EXPECT_EQ(firstToken("z\x83\x61za", "a", 4), (Token{"z\x83\x61z", 5}));
     EXPECT_EQ(firstToken("\x83\x83\\z", "\\", 2), (Token{"\x83\x83", 3}));
     EXPECT_EQ(allTokens("\x83\x5C\\\x83\x61\\", "\\"), (Tokens{"\x83\x5C", "\x83\x61"}));
 }
@@ -177,37 +174,15 @@ TEST(StringGetTokenAInPage932, StepsOverTrailBytes) {
 TEST(StringGetTokenAInPage932, EndsATokenAtEachByteOfADoubleByteDelimiter) {
     VEXA_NEEDS_PAGE(932);
     EXPECT_EQ(firstToken("a\\b", "\x83\x5C", 1), (Token{"a", 2}));
-    EXPECT_EQ(firstToken("a\x83\x5C"
-                         "b",
-                         "\x83\x5C", 1)
-                  .text,
-              "a");
-    EXPECT_EQ(firstToken("a\x83\x61"
-                         "b",
-                         "\x83\x5C", 1)
-                  .text,
-              "a");
-    EXPECT_NE(firstToken("a\x83\x61"
-                         "b",
-                         "\x83\x5C", 1)
-                  .next,
-              kNowhere);
+    EXPECT_EQ(firstToken("a\x83\x5Cz", "\x83\x5C", 1), (Token{"a", 2}));
+    EXPECT_EQ(firstToken("a\x83\x61z", "\x83\x5C", 1), (Token{"a", 2}));
     EXPECT_EQ(firstToken("a\x82\x83z", "\x83\x5C", 4), (Token{"a\x82\x83z", kNowhere}));
 }
 
 // only a single-byte delimiter is skipped
 TEST(StringGetTokenAInPage932, HasAnEmptyTokenBeforeALeadByteThatIsADelimiter) {
     VEXA_NEEDS_PAGE(932);
-    EXPECT_EQ(firstToken("\x83\x61"
-                         "b",
-                         "\x83\x5C", 0)
-                  .text,
-              "");
-    EXPECT_NE(firstToken("\x83\x61"
-                         "b",
-                         "\x83\x5C", 0)
-                  .next,
-              kNowhere);
+    EXPECT_EQ(firstToken("\x83\x61z", "\x83\x5C", 0), (Token{"", 1}));
     EXPECT_EQ(firstToken("\\b", "\x83\x5C", 1), (Token{"b", kNowhere}));
 }
 

@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <cwchar>
 #include <ostream>
 
 #include <gtest/gtest.h>

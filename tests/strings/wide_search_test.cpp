@@ -1,13 +1,11 @@
 #include "tests/support/wide_text.h"
 #include "vexakit/strings.h"
 
-#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cwctype>
 #include <ostream>
 #include <random>
-#include <string>
 
 #include <gtest/gtest.h>
 
@@ -20,7 +18,7 @@ std::ptrdiff_t indexIn(const WideString& text, const VexaWChar* found) {
     return found ? found - text.c_str() : kNowhere;
 }
 
-/// The runtime's white space beyond the whole range of units.
+/// The white space of the runtime's "C" locale.
 bool isWhiteSpace(unsigned unit) {
 #ifdef _WIN32
     return std::iswspace(static_cast<std::wint_t>(unit)) != 0;

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cwctype>
+#include <iterator>
 #include <limits>
 #include <ostream>
 #include <random>
@@ -32,7 +33,7 @@ WideString edited(Edit edit, const WideString& text, Arguments... arguments) {
     return array.text();
 }
 
-/// The runtime's control characters.
+/// The control characters of the runtime's "C" locale.
 bool isControl(unsigned unit) {
 #ifdef _WIN32
     return std::iswcntrl(static_cast<std::wint_t>(unit)) != 0;

@@ -115,8 +115,8 @@ TEST(SystemsUtf8, IsReadAlikeCharacterByCharacterAndWhereItIsCut) {
                                         static_cast<wchar_t>(0xDC00 + (code & 0x3FF))};
         const std::string bytes = inPage(65001, wide);
         for (std::size_t size = 1; size <= bytes.size(); ++size) {
-            const std::string part = bytes.substr(0, size);
-            if (ourUnits(65001, part, -1) == theirUnits(65001, part, -1)) continue;
+            const int length = static_cast<int>(size);
+            if (ourUnits(65001, bytes, length) == theirUnits(65001, bytes, length)) continue;
             if (differing++ < 10) ADD_FAILURE() << code << " cut to " << size << " bytes";
         }
     }

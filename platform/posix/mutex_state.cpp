@@ -1,0 +1,88 @@
+#include "platform/posix/mutex_state.h"
+
+#include "platform/identity.h"
+
+#include <cerrno>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+namespace vexa::platform {
+
+namespace {
+
+int lockWithin(pthread_mutex_t& mutex, std::uint32_t milliseconds) {
+    if (milliseconds == 0) return pthread_mutex_trylock(&mutex);
+
+    const Deadline deadline(milliseconds);
+    if (!deadline.time()) return pthread_mutex_lock(&mutex);
+    return pthread_mutex_clocklock(&mutex, CLOCK_MONOTONIC, deadline.time());
+}
+
+bool isThreadAlive(std::uint32_t thread) {
+    return syscall(SYS_tgkill, getpid(), thread, 0) == 0;
+}
+
+}  // namespace
+
+// Only the holder writes. A child process may have inherited what its parent's thread left here.
+void MutexHolder::taken() noexcept {
+    if (!isCaller()) depth_.store(0, std::memory_order_relaxed);
+    depth_.store(depth_.load(std::memory_order_relaxed) + 1, std::memory_order_relaxed);
+    thread_.store(currentThreadId(), std::memory_order_release);
+}
+
+void MutexHolder::released() noexcept {
+    const std::uint32_t depth = depth_.load(std::memory_order_relaxed) - 1;
+    depth_.store(depth, std::memory_order_relaxed);
+    if (depth == 0) thread_.store(0, std::memory_order_release);
+}
+
+bool MutexHolder::isAlive() const noexcept {
+    const std::uint32_t thread = thread_.load(std::memory_order_acquire);
+    return thread != 0 && isThreadAlive(thread);
+}
+
+bool MutexHolder::isCaller() const noexcept {
+    return thread_.load(std::memory_order_relaxed) == currentThreadId();
+}
+
+void MutexHolder::reset() noexcept {
+    depth_.store(0, std::memory_order_relaxed);
+    thread_.store(0, std::memory_order_relaxed);
+}
+
+bool MutexState::initialise(Sharing sharing) noexcept {
+    const int sharedBy =
+        sharing == Sharing::Machine ? PTHREAD_PROCESS_SHARED : PTHREAD_PROCESS_PRIVATE;
+    pthread_mutexattr_t attributes;
+    if (pthread_mutexattr_init(&attributes) != 0) return false;
+    const bool isMade = pthread_mutexattr_settype(&attributes, PTHREAD_MUTEX_RECURSIVE) == 0 &&
+                        pthread_mutexattr_setrobust(&attributes, PTHREAD_MUTEX_ROBUST) == 0 &&
+                        pthread_mutexattr_setpshared(&attributes, sharedBy) == 0 &&
+                        pthread_mutex_init(&mutex, &attributes) == 0;
+    pthread_mutexattr_destroy(&attributes);
+    return isMade;
+}
+
+WaitResult MutexState::wait(std::uint32_t milliseconds, MutexHolder& holder) noexcept {
+    switch (lockWithin(mutex, milliseconds)) {
+        case 0: holder.taken(); return WaitResult::Signalled;
+        case EOWNERDEAD:
+            pthread_mutex_consistent(&mutex);
+            holder.reset();
+            holder.taken();
+            return WaitResult::Abandoned;
+        case EBUSY:
+        case ETIMEDOUT: return WaitResult::TimedOut;
+        default: return WaitResult::Failed;
+    }
+}
+
+bool MutexState::release(MutexHolder& holder) noexcept {
+    if (!holder.isCaller()) return false;
+
+    holder.released();  // as long as nobody else can hold it
+    return pthread_mutex_unlock(&mutex) == 0;
+}
+
+}  // namespace vexa::platform

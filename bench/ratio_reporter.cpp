@@ -1,6 +1,7 @@
 #include "bench/ratio_reporter.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdio>
 
 namespace vexa::bench {
@@ -10,6 +11,18 @@ namespace {
 double bytesPerSecondOf(const benchmark::BenchmarkReporter::Run& run) {
     const auto counter = run.counters.find("bytes_per_second");
     return counter == run.counters.end() ? 0 : counter->second.value;
+}
+
+// Bytes a second where they are known, else the time of one round.
+std::string speed(double bytesPerSecond, double time) {
+    constexpr double kMegabyte = 1e6;
+    std::array<char, 32> text{};
+    if (bytesPerSecond > 0) {
+        std::snprintf(text.data(), text.size(), "%.0f MB/s", bytesPerSecond / kMegabyte);
+    } else {
+        std::snprintf(text.data(), text.size(), "%.1f ns", time);
+    }
+    return text.data();
 }
 
 }  // namespace
@@ -30,11 +43,14 @@ void RatioReporter::ReportRuns(const std::vector<Run>& runs) {
     }
 }
 
+std::string RatioReporter::speedOf(const Median& median) {
+    return speed(median.bytesPerSecond, median.time);
+}
+
 void RatioReporter::Finalize() {
     ConsoleReporter::Finalize();
     std::sort(alone_.begin(), alone_.end());
-    constexpr double kMegabyte = 1e6;
-    std::printf("\n%-34s %-12s %10s %10s %8s\n", "work", "", "MB/s", "loop MB/s", "ratio");
+    std::printf("\n%-34s %-12s %13s %13s %8s\n", "work", "", "", "loop", "ratio");
     for (const auto& [work, contenders] : medians_) {
         const auto loop = std::find_if(contenders.begin(), contenders.end(), [](const Median& it) {
             return it.contender.ends_with("loop");
@@ -42,9 +58,8 @@ void RatioReporter::Finalize() {
         if (loop == contenders.end()) continue;
         for (const Median& median : contenders) {
             if (&median == &*loop) continue;
-            std::printf("%-34s %-12s %10.0f %10.0f %8.2f\n", work.c_str(), median.contender.c_str(),
-                        median.bytesPerSecond / kMegabyte, loop->bytesPerSecond / kMegabyte,
-                        median.seconds / loop->seconds);
+            std::printf("%-34s %-12s %13s %13s %8.2f\n", work.c_str(), median.contender.c_str(),
+                        speedOf(median).c_str(), speedOf(*loop).c_str(), median.time / loop->time);
         }
     }
     for (const auto& [name, time, unit] : alone_) {

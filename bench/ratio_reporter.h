@@ -19,9 +19,11 @@ public:
 private:
     struct Median {
         std::string contender;
-        double seconds;
+        double time;
         double bytesPerSecond;
     };
+    static std::string speedOf(const Median& median);
+
     /// By work, in the order of the names.
     std::map<std::string, std::vector<Median>> medians_;
     /// Works without a contender: name, time, unit.

@@ -3,15 +3,7 @@
 #include "platform/wide_characters.h"
 #include "vexakit/strings.h"
 
-#include <limits>
-
 using namespace vexa;
-
-namespace {
-
-constexpr uint32_t kAll = std::numeric_limits<uint32_t>::max();
-
-}  // namespace
 
 VexaWChar* string_stripLeadWhiteSpaceW(VexaWChar* text) {
     if (text) keepFrom(text, string_skipWhiteSpaceW(text));

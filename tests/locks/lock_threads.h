@@ -67,7 +67,9 @@ private:
 template <class Action>
 auto inAnotherThread(Action action) {
     decltype(action()) result{};
-    { const Worker worker{[&] { result = action(); }}; }
+    {
+        const Worker worker{[&] { result = action(); }};
+    }
     return result;
 }
 

@@ -93,7 +93,7 @@ TEST_P(ThreadLockCreateWithoutMemory, LeavesTheCallersPointer) {
 INSTANTIATE_TEST_SUITE_P(Table, ThreadLockCreateWithoutMemory, testing::Values(1, 2),
                          testing::PrintToStringParamName());
 
-TEST(ThreadLockCreateWithoutMemory, RefusesTheLargestSet) {
+TEST(ThreadLockCreate, FailsWhereTheLargestSetHasNoMemory) {
     CThreadLock* locks = nullptr;
     const NewFailure failure{2};
 
@@ -102,7 +102,7 @@ TEST(ThreadLockCreateWithoutMemory, RefusesTheLargestSet) {
     EXPECT_EQ(locks, nullptr);
 }
 
-TEST(ThreadLockCreateWithoutMemory, AsksForTwoBlocks) {
+TEST(ThreadLockCreate, AsksForTwoBlocks) {
     CThreadLock* locks = nullptr;
     bool isThirdRefused = true;
     {
@@ -229,11 +229,8 @@ struct BadId {
 };
 
 constexpr BadId kBadIds[] = {
-    {"TheFirstOfNone", 0, 0},
-    {"TheLargestOfNone", 0, kNoId},
-    {"TheCount", 4, 4},
-    {"TheLargest", 4, kNoId},
-    {"TheSignBit", 4, 0x80000000},
+    {"TheFirstOfNone", 0, 0}, {"TheLargestOfNone", 0, kNoId}, {"TheCount", 4, 4},
+    {"TheLargest", 4, kNoId}, {"TheSignBit", 4, 0x80000000},
 };
 
 class ThreadLockBadId : public testing::TestWithParam<BadId> {};

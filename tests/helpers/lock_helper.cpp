@@ -1,8 +1,9 @@
 // Uses one lock as it is told, so that a test has several processes at a lock, step by step. Each line
 // of the standard input is a command, each is answered by one line; without more lines it ends.
 
-#include "tests/support/count_file.h"
 #include "tests/support/lock_helper.h"
+
+#include "tests/support/count_file.h"
 #include "tests/support/lock_image.h"
 #include "tests/support/processes.h"
 #include "vexakit/locks.h"

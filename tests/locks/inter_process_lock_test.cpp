@@ -202,10 +202,12 @@ TEST_F(InterProcessLockTest, CanBeDestroyedOnceACopyHasClosedIt) {
 }
 
 TEST_F(InterProcessLockTest, IsNotGivenUpByACopyOfTheObjectThatHoldsIt) {
-    Lock holder{wideName.c_str(), nullptr, 0};
-    holder.ObtainLock();
-    std::make_unique<Lock>(holder).reset();  // another object, although with the same handles
-
+    {
+        Lock holder{wideName.c_str(), nullptr, 0};
+        holder.ObtainLock();
+        // Another object, although with the same handles, which it closes.
+        std::make_unique<Lock>(holder).reset();
+    }
     EXPECT_FALSE(isFreeForOthers(lock));
     lock.ReleaseLock();
     EXPECT_TRUE(isFreeForOthers(lock));
@@ -315,7 +317,7 @@ TEST_F(InterProcessLockTest, GivesBackTheMemoryOfItsMaking) {
 
 // ---- Exclusion --------------------------------------------------------------------------------
 
-/// Runs a part in some threads; the part is given whether to try or to obtain.
+/// Runs a part in some threads at once.
 template <class Part>
 void inThreads(int count, Part part) {
     std::vector<std::thread> threads;

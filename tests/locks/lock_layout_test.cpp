@@ -6,14 +6,14 @@
 #include "vexakit/locks.h"
 #include "vexakit/types.h"
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <memory>
 #include <new>
+#include <stdexcept>
 #include <string>
 #include <type_traits>
-#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -227,43 +227,49 @@ TEST(RWLockLayout, HasTheReaderEventTheGateTheMutexAndTheCount) {
     lock.Cleanup();
 }
 
-/// What a host's compiler made of its own class of this shape.
-struct HostTable {
-    std::uint64_t (*entries[6])(void* lock, int mode);
-};
-struct HostLock {
-    const HostTable* table;
-    void* handles[3];
-    std::int32_t readerCount;
-};
-static_assert(sizeof(HostLock) == sizeof(RWLock));
-
-std::string hostCalls;  // NOLINT(*-avoid-non-const-global-variables): the functions have no state
+std::string slotCalls;  // NOLINT(*-avoid-non-const-global-variables): the functions have no state
 
 template <char Name>
-std::uint64_t noteHostCall(void* /*lock*/, int mode) {
-    hostCalls += Name;
-    if (Name == 'C' || Name == 'R') hostCalls += std::to_string(mode);
+std::uint64_t noteCall(void* /*lock*/, int mode) {
+    slotCalls += Name;
+    if (Name == 'C' || Name == 'R') slotCalls += std::to_string(mode);
     return 7;
 }
 
-#ifndef __SANITIZE_ADDRESS__  // comes with a look at the type, which this object has not
-TEST(RWLockLayout, IsWhatTheFlatFunctionsCallThrough) {
-    static constexpr HostTable kTable = {{&noteHostCall<'1'>, &noteHostCall<'2'>,
-                                          &noteHostCall<'I'>, &noteHostCall<'C'>,
-                                          &noteHostCall<'R'>, &noteHostCall<'U'>}};
-    HostLock host = {&kTable, {}, 0};
-    auto* lock = reinterpret_cast<RWLock*>(&host);
-    hostCalls.clear();
-
-    EXPECT_EQ(rwlock_claim(lock, 1), VEXA_SUCCESS);
-    EXPECT_EQ(rwlock_claim(lock, 0), VEXA_SUCCESS);
-    EXPECT_EQ(rwlock_release(lock, 1), 7U);
-    EXPECT_EQ(rwlock_release(lock, 0), 7U);
-    EXPECT_EQ(rwlock_destroy(&lock), VEXA_SUCCESS);
-    EXPECT_EQ(hostCalls, "C1C0R1R0U2");
+template <char Name>
+Entry noting() {
+    return reinterpret_cast<Entry>(&noteCall<Name>);
 }
-#endif
+
+/// A table as that of a class that overrides everything.
+struct NotingTable {
+    // What stands in front of the functions, the type among it, stays that of the class.
+    std::array<Entry, 2> front;
+    std::array<Entry, 6> functions;
+
+    explicit NotingTable(const RWLock& lock)
+        : functions{noting<'1'>(), noting<'2'>(), noting<'I'>(),
+                    noting<'C'>(), noting<'R'>(), noting<'U'>()} {
+        std::memcpy(&front, fieldAt<const Entry*>(lock, 0) - front.size(), sizeof front);
+    }
+};
+
+TEST(RWLockLayout, IsWhatTheFlatFunctionsCallThrough) {
+    RWLock lock;
+    const NotingTable table{lock};
+    const auto* const before = fieldAt<const Entry*>(lock, 0);
+    setFieldAt(lock, 0, table.functions.data());
+    slotCalls.clear();
+    RWLock* pointer = &lock;
+
+    EXPECT_EQ(rwlock_claim(pointer, 1), VEXA_SUCCESS);
+    EXPECT_EQ(rwlock_claim(pointer, 0), VEXA_SUCCESS);
+    EXPECT_EQ(rwlock_release(pointer, 1), 7U);
+    EXPECT_EQ(rwlock_release(pointer, 0), 7U);
+    EXPECT_EQ(rwlock_destroy(&pointer), VEXA_SUCCESS);
+    EXPECT_EQ(slotCalls, "C1C0R1R0U2");
+    setFieldAt(lock, 0, before);
+}
 
 // ---- Reference count ----------------------------------------------------------------------------
 

@@ -2,7 +2,9 @@
 #include "tests/locks/lock_threads.h"
 #include "vexakit/locks.h"
 
+#include <cstddef>
 #include <cstdint>
+#include <cstdlib>
 #include <memory>
 #include <new>
 #include <optional>
@@ -73,6 +75,19 @@ TEST(CThreadLockEnd, OfADerivedSetComesThroughItsBase) {
     delete locks;
 
     EXPECT_EQ(ends.size(), 2U);
+}
+
+// Tried in a process of its own, which it would end.
+TEST(CThreadLockEnd, OfASetWithoutSlotsDoesNothing) {
+    const auto destroyWithoutSlots = [] {
+        alignas(CThreadLock) std::byte place[sizeof(CThreadLock)];
+        auto* const locks = new (place) CThreadLock{3};
+        setFieldAt<ThreadLock*>(*locks, 8, nullptr);
+        locks->~CThreadLock();
+        std::_Exit(0);
+    };
+
+    EXPECT_EXIT(destroyWithoutSlots(), testing::ExitedWithCode(0), "");
 }
 
 // ---- Copies -------------------------------------------------------------------------------------

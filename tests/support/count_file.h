@@ -36,6 +36,13 @@ public:
         std::fwrite(&value, sizeof value, 1, file_.get());
     }
 
+    /// With nobody else at the file.
+    void clear() {
+        constexpr std::uint64_t kZeros[kCells] = {};
+        seek(0);
+        std::fwrite(&kZeros[0], sizeof kZeros, 1, file_.get());
+    }
+
 private:
     struct CloseFile {
         void operator()(std::FILE* file) const { std::fclose(file); }

@@ -41,10 +41,11 @@ inline std::vector<std::filesystem::path> filesOf(const std::string& name) {
 /// A test with a name of its own, of which nothing may be left.
 class NamedLockTest : public testing::Test {
 protected:
+    // Locks that are members of a test have gone by now.
+    ~NamedLockTest() override { EXPECT_THAT(filesOf(name), testing::IsEmpty()); }
+
     const std::string name = uniqueName();
     const WideString wideName = wide(name);
-
-    void TearDown() override { EXPECT_THAT(filesOf(name), testing::IsEmpty()); }
 };
 
 template <class Lock>

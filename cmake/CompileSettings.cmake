@@ -10,6 +10,14 @@ target_compile_options(vexakit_settings INTERFACE
     # Every field that a braced list leaves out has a default.
     $<$<COMPILE_LANGUAGE:CXX>:-Wno-missing-field-initializers>)
 
+# What makes an attacker's work harder, as Debian builds its packages. Sources can be fortified where
+# they are optimised; a sanitizer has checks of its own.
+target_compile_options(vexakit_settings INTERFACE -fstack-protector-strong)
+if(NOT VEXAKIT_SANITIZE AND NOT WIN32)
+    target_compile_options(vexakit_settings INTERFACE
+        $<$<CONFIG:Release,RelWithDebInfo,MinSizeRel>:-U_FORTIFY_SOURCE$<SEMICOLON>-D_FORTIFY_SOURCE=2>)
+endif()
+
 if(VEXAKIT_WERROR)
     target_compile_options(vexakit_settings INTERFACE -Werror)
 endif()

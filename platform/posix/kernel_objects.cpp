@@ -41,7 +41,7 @@ struct EventStart {
 
 bool initialiseEvent(void* memory, const void* how) noexcept {
     const auto& start = *static_cast<const EventStart*>(how);
-    auto* const shared = new (memory) SharedEvent{};
+    auto* const shared = std::construct_at(static_cast<SharedEvent*>(memory));
     shared->mark = kEventMark;
     shared->state.initialise(start.reset, start.isSignalled);
     return true;

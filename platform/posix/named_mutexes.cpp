@@ -21,7 +21,7 @@ struct SharedMutex {
 };
 
 bool initialise(void* memory, const void* /*how*/) noexcept {
-    auto* const shared = new (memory) SharedMutex{};
+    auto* const shared = std::construct_at(static_cast<SharedMutex*>(memory));
     shared->mark = kMark;
     return shared->state.initialise(Sharing::Machine);
 }

@@ -26,14 +26,7 @@ protected:
     }
 };
 
-using Locks = testing::Types<MutexLock, InterProcessLock>;
-struct LockName {
-    template <class Lock>
-    static std::string GetName(int) {
-        return std::is_same_v<Lock, MutexLock> ? "MutexLock" : "InterProcessLock";
-    }
-};
-TYPED_TEST_SUITE(NamedLockNames, Locks, LockName);
+TYPED_TEST_SUITE(NamedLockNames, NamedLocks, NamedLocksNames);
 
 /// Whether the two are one lock.
 template <class Lock>
@@ -138,9 +131,9 @@ TYPED_TEST(NamedLockNames, OfRandomUnitsAreAllDifferent) {
 TYPED_TEST(NamedLockNames, OfManyUnusualUnitsDifferAtTheEnd) {
     constexpr std::size_t kUnits = 200;
     std::vector<WideString> names;
-    for (const VexaWChar last : {0xD800, 0xD801, 0x0041, 0x4100, 0xFFFF}) {
-        names.push_back(this->wideName + WideString(kUnits, VexaWChar{0xD800}) +
-                        static_cast<VexaWChar>(last));
+    for (const WideString& last : {WideString{0xD800}, WideString{0xD801}, WideString{0x0041},
+                                   WideString{0x4100}, WideString{0xFFFF}}) {
+        names.push_back(this->wideName + WideString(kUnits, VexaWChar{0xD800}) + last);
     }
     names.push_back(this->wideName + WideString(kUnits, VexaWChar{0xD800}));
     names.push_back(this->wideName + WideString(kUnits - 1, VexaWChar{0xD800}));

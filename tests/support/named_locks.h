@@ -62,6 +62,16 @@ std::unique_ptr<Lock> makeLock(const WideString& name, SECURITY_ATTRIBUTES* sa =
     return makeLock<Lock>(name.c_str(), sa);
 }
 
+/// Both locks that have names, for tests of either.
+using NamedLocks = testing::Types<MutexLock, InterProcessLock>;
+
+struct NamedLocksNames {
+    template <class Lock>
+    static std::string GetName(int) {
+        return std::is_same_v<Lock, MutexLock> ? "MutexLock" : "InterProcessLock";
+    }
+};
+
 /// Runs an action in a thread of its own, to its end.
 template <class Action>
 auto inOtherThread(Action action) {

@@ -13,15 +13,19 @@ namespace {
 
 constexpr std::int32_t kFullPrecision = 17;
 
-// Wide text of a buffer; empty where it cannot be written.
+// Wide text of a buffer; empty where it cannot be written. Members of a parsed collection are cut to
+// their first parts: they must not be walked.
 std::vector<VexaWChar> written(const GeometryBuffer* geometry) {
+    if (geometry->type == VEXA_GEOMETRYCOLLECTION) return {};
+
     std::uint32_t size = 0;
     vexaWKB_calculateSize(geometry, &size);
     // 24 bytes are a vertex, which has three numbers of up to 25 characters.
     std::vector<VexaWChar> text(std::size_t{size} * 5 + 200);
     const std::int64_t count =
         vexaWKT_geometry(geometry, text.data(), static_cast<std::int64_t>(text.size()) - 1);
-    if (count < 1) return {};
+    require(count >= 1 && count < static_cast<std::int64_t>(text.size()),
+            "what was read is written");
     text.resize(static_cast<std::size_t>(count));
     return text;
 }

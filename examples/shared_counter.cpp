@@ -73,14 +73,16 @@ int countTogether(const std::string& program) {
 
     const std::string command =
         "\"" + program + "\" " + path + " " + name + " " + std::to_string(kRounds);
-    std::thread other([&] { std::system(command.c_str()); });
-    std::system(command.c_str());
+    int otherStatus = EXIT_FAILURE;
+    std::thread other([&] { otherStatus = std::system(command.c_str()); });
+    const int status = std::system(command.c_str());
     other.join();
 
     const long sum = readNumber(path);
     std::remove(path.c_str());
     std::printf("2 processes, %d rounds each: %ld\n", kRounds, sum);
-    return sum == 2 * kRounds ? EXIT_SUCCESS : EXIT_FAILURE;
+    const bool isRight = status == 0 && otherStatus == 0 && sum == 2 * kRounds;
+    return isRight ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 
 }  // namespace

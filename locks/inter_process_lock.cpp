@@ -88,7 +88,8 @@ InterProcessLock::InterProcessLock(const VexaWChar* name, SECURITY_ATTRIBUTES* s
     event_ = platform::createEvent(Reset::Automatic, false, eventName.data(), used);
     if (event_) {
         const ObjectName mappingName = formatObjectName(kMappingName, name);
-        mapping_ = platform::createMapping(sizeof(SharedLockBlock), mappingName.data(), used);
+        mapping_ =
+            platform::createMapping(sizeof(SharedLockBlock), mappingName.data(), used, event_);
     }
     if (mapping_) block_ = platform::mapView(mapping_);
     SetSpinCount(spinCount);

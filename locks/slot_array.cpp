@@ -31,11 +31,13 @@ ThreadLock* makeSlots(std::uint32_t count) {
 }
 
 ThreadLock* shareSlots(ThreadLock* slots) noexcept {
-    headOf(slots)->users.fetch_add(1, std::memory_order_relaxed);
+    if (slots) headOf(slots)->users.fetch_add(1, std::memory_order_relaxed);
     return slots;
 }
 
 void dropSlots(ThreadLock* slots) noexcept {
+    if (!slots) return;
+
     Head* const head = headOf(slots);
     if (head->users.fetch_sub(1, std::memory_order_acq_rel) != 1) return;
 

@@ -6,7 +6,7 @@
 
 namespace vexa {
 
-/// The locks of a set, which copies of the set share: an array that counts its users.
+/// The locks of a set, which copies of the set share: an array that counts its users. Null is none.
 
 /// @throws std::bad_alloc
 ThreadLock* makeSlots(std::uint32_t count);

@@ -32,8 +32,11 @@ Handle createEvent(Reset reset, bool isSignalled, const VexaWChar* name,
                    SECURITY_ATTRIBUTES* sa) noexcept;
 /// Re-entrant, owned by a thread, and abandoned where that ends.
 Handle createMutex(const VexaWChar* name, SECURITY_ATTRIBUTES* sa) noexcept;
-/// Shared memory of `size` bytes, which are 0 at first.
-Handle createMapping(std::uint32_t size, const VexaWChar* name, SECURITY_ATTRIBUTES* sa) noexcept;
+/// Shared memory of `size` bytes, which are 0 at first. Off Windows the event, whose users open it before
+/// the memory and close it after, is made unsignalled where the memory is new: what a killed user left
+/// signalled means nothing to those who start with zeros.
+Handle createMapping(std::uint32_t size, const VexaWChar* name, SECURITY_ATTRIBUTES* sa,
+                     Handle event = nullptr) noexcept;
 
 /// The address of shared memory in this process; null where that is not possible.
 void* mapView(Handle mapping) noexcept;

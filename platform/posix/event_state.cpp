@@ -4,9 +4,10 @@
 
 namespace vexa::platform {
 
+// The waiters are counted on: memory is 0 at first, and who still waits for an event that was here before
+// counts himself out.
 void EventState::initialise(Reset reset, bool signalled) noexcept {
     isManual.store(reset == Reset::Manual ? 1 : 0, std::memory_order_relaxed);
-    waiters.store(0, std::memory_order_relaxed);
     isSignalled.store(signalled ? 1 : 0, std::memory_order_release);
 }
 

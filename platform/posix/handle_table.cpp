@@ -88,7 +88,9 @@ Handle publish(Slot& slot, ObjectKind kind) noexcept {
     const std::uintptr_t handle = use << (kIndexBits + kKindBits) |
                                   std::uintptr_t{static_cast<std::uint8_t>(kind)} << kIndexBits |
                                   slot.index;
-    slot.users.store(1, std::memory_order_relaxed);
+    // Others have no users: a late one may not keep what comes next in the slot.
+    const bool isCounted = kind != ObjectKind::Event && kind != ObjectKind::Mutex;
+    if (isCounted) slot.users.store(1, std::memory_order_relaxed);
     slot.handle.store(handle, std::memory_order_release);
     return reinterpret_cast<Handle>(handle);
 }

@@ -26,6 +26,8 @@ struct alignas(64) Slot {
     Slot* next = nullptr;
 
     EventState event{};
+    /// Made once: late users of a closed handle may still be inside.
+    bool hasMutex = false;
     MutexState mutex{};
     MutexHolder mutexHolder;
     SharedFile* file = nullptr;

@@ -95,24 +95,30 @@ Handle createNamedMutex(const VexaWChar* name, mode_t mode) {
 // it lets go.
 Slot* heldSlots = nullptr;
 
-Slot* takeSlotForMutex() {
-    Slot* freed = nullptr;
-    {
-        const ObjectsGuard guard;
-        for (Slot** link = &heldSlots; *link && !freed;) {
-            if ((*link)->mutexHolder.isAlive()) {
-                link = &(*link)->next;
-            } else {
-                freed = *link;
-                *link = freed->next;
-            }
-        }
+Slot* takeFreedSlot() {
+    const ObjectsGuard guard;
+    for (Slot** link = &heldSlots; *link; link = &(*link)->next) {
+        Slot* const slot = *link;
+        if (!slot->mutex.isFree(slot->mutexHolder)) continue;
+        *link = slot->next;
+        return slot;
     }
-    return freed ? freed : takeSlot();
+    return nullptr;
+}
+
+Slot* takeSlotWithMutex() {
+    if (Slot* const freed = takeFreedSlot()) return freed;
+    Slot* const slot = takeSlot();
+    if (!slot || slot->hasMutex) return slot;
+
+    slot->hasMutex = slot->mutex.initialise(Sharing::Process);
+    if (slot->hasMutex) return slot;
+    giveSlotBack(*slot);
+    return nullptr;
 }
 
 void giveMutexSlotBack(Slot& slot) {
-    if (!slot.mutexHolder.isAlive()) {
+    if (slot.mutex.isFree(slot.mutexHolder)) {
         giveSlotBack(slot);
         return;
     }
@@ -163,6 +169,36 @@ Result onEvent(Handle handle, Result otherwise, Operation operation) {
     return kept ? operation(eventIn(*slot->file), Sharing::Machine) : otherwise;
 }
 
+// The same on the memory of a handle. One after the other: its address comes and goes.
+template <typename Result, typename Operation>
+Result onMapping(Handle handle, Result otherwise, Operation operation) {
+    Slot* const slot = slotOf(handle);
+    if (!slot || kindOf(handle) != ObjectKind::Mapping) return otherwise;
+
+    const Kept kept(*slot, handle);
+    if (!kept) return otherwise;
+    const ObjectsGuard guard;
+    return operation(*slot->file);
+}
+
+// A handle that was closed while somebody waited leads to another object by now: what was had of that
+// is given back.
+WaitResult waitForUnnamed(Slot& slot, Handle handle, std::uint32_t milliseconds) {
+    const bool isMutex = kindOf(handle) == ObjectKind::Mutex;
+    const WaitResult result = isMutex ? slot.mutex.wait(milliseconds, slot.mutexHolder)
+                                      : slot.event.wait(milliseconds, Sharing::Process);
+    if (slot.handle.load(std::memory_order_acquire) == reinterpret_cast<std::uintptr_t>(handle) ||
+        result == WaitResult::TimedOut || result == WaitResult::Failed) {
+        return result;
+    }
+    if (isMutex) {
+        slot.mutex.release(slot.mutexHolder);
+    } else if (slot.event.isManual.load(std::memory_order_relaxed) == 0) {
+        slot.event.set(Sharing::Process);
+    }
+    return WaitResult::Failed;
+}
+
 }  // namespace
 
 Handle createEvent(Reset reset, bool isSignalled, const VexaWChar* name,
@@ -178,37 +214,47 @@ Handle createEvent(Reset reset, bool isSignalled, const VexaWChar* name,
 Handle createMutex(const VexaWChar* name, SECURITY_ATTRIBUTES* sa) noexcept {
     if (name) return createNamedMutex(name, modeOf(sa));
 
-    Slot* const slot = takeSlotForMutex();
-    if (!slot) return nullptr;
-    slot->mutexHolder.reset();
-    if (!slot->mutex.initialise(Sharing::Process)) {
-        giveSlotBack(*slot);
-        return nullptr;
-    }
-    return publish(*slot, ObjectKind::Mutex);
+    Slot* const slot = takeSlotWithMutex();
+    return slot ? publish(*slot, ObjectKind::Mutex) : nullptr;
 }
 
-Handle createMapping(std::uint32_t size, const VexaWChar* name, SECURITY_ATTRIBUTES* sa) noexcept {
+Handle createMapping(std::uint32_t size, const VexaWChar* name, SECURITY_ATTRIBUTES* sa,
+                     Handle event) noexcept {
     const std::optional<ObjectPath> path = name ? pathOf(name) : std::nullopt;
     if (!path) return nullptr;
-    return publishFile(SharedFile::open(*path, size, modeOf(sa), &leaveZeros, nullptr),
-                       ObjectKind::Mapping);
+
+    const auto open = [&] {
+        return SharedFile::open(*path, size, modeOf(sa), &leaveZeros, nullptr);
+    };
+    Slot* const eventSlot = slotOf(event);
+    if (!eventSlot || kindOf(event) != ObjectKind::NamedEvent) {
+        return publishFile(open(), ObjectKind::Mapping);
+    }
+    const Kept kept(*eventSlot, event);
+    if (!kept) return nullptr;
+
+    // Who else wants the memory waits: nobody can set the event for it before.
+    const SharedFile::Gate gate(*eventSlot->file);
+    std::unique_ptr<SharedFile> file = open();
+    if (file && file->isNew()) eventIn(*eventSlot->file).reset();
+    return publishFile(std::move(file), ObjectKind::Mapping);
 }
 
 void* mapView(Handle mapping) noexcept {
-    Slot* const slot = slotOf(mapping);
-    if (!slot || kindOf(mapping) != ObjectKind::Mapping) return nullptr;
-    const Kept kept(*slot, mapping);
-    return kept ? slot->file->memory() : nullptr;
+    return onMapping(mapping, static_cast<void*>(nullptr),
+                     [](SharedFile& file) { return file.map() ? file.memory() : nullptr; });
 }
 
 bool isMapped(Handle mapping, const void* view) noexcept {
-    return view && mapView(mapping) == view;
+    return view &&
+           onMapping(mapping, false, [=](SharedFile& file) { return file.memory() == view; });
 }
 
 void unmapView(Handle mapping, void* view) noexcept {
-    Slot* const slot = slotOf(mapping);
-    if (slot && isMapped(mapping, view)) slot->file->unmap();
+    onMapping(mapping, false, [=](SharedFile& file) {
+        if (file.memory() == view) file.unmap();
+        return true;
+    });
 }
 
 bool setEvent(Handle event) noexcept {
@@ -238,16 +284,18 @@ bool releaseMutex(Handle mutex) noexcept {
 WaitResult waitFor(Handle object, std::uint32_t milliseconds) noexcept {
     Slot* const slot = slotOf(object);
     if (!slot) return WaitResult::Failed;
-    if (kindOf(object) == ObjectKind::Mutex) {
-        return slot->mutex.wait(milliseconds, slot->mutexHolder);
+    switch (kindOf(object)) {
+        case ObjectKind::Event:
+        case ObjectKind::Mutex: return waitForUnnamed(*slot, object, milliseconds);
+        case ObjectKind::NamedMutex: {
+            const Kept kept(*slot, object);
+            return kept ? waitForNamed(*slot->namedMutex, milliseconds) : WaitResult::Failed;
+        }
+        default:
+            return onEvent(object, WaitResult::Failed, [=](EventState& state, Sharing sharing) {
+                return state.wait(milliseconds, sharing);
+            });
     }
-    if (kindOf(object) == ObjectKind::NamedMutex) {
-        const Kept kept(*slot, object);
-        return kept ? waitForNamed(*slot->namedMutex, milliseconds) : WaitResult::Failed;
-    }
-    return onEvent(object, WaitResult::Failed, [=](EventState& state, Sharing sharing) {
-        return state.wait(milliseconds, sharing);
-    });
 }
 
 bool closeHandle(Handle object) noexcept {

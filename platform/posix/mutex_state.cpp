@@ -18,6 +18,13 @@ int lockWithin(pthread_mutex_t& mutex, std::uint32_t milliseconds) {
     return pthread_mutex_clocklock(&mutex, CLOCK_MONOTONIC, deadline.time());
 }
 
+std::uint64_t callersSerial() {
+    static std::atomic<std::uint64_t> last{0};
+    [[gnu::tls_model("initial-exec")]] thread_local std::uint64_t serial = 0;
+    if (serial == 0) serial = last.fetch_add(1, std::memory_order_relaxed) + 1;
+    return serial;
+}
+
 bool isThreadAlive(std::uint32_t thread) {
     return syscall(SYS_tgkill, getpid(), thread, 0) == 0;
 }
@@ -28,6 +35,7 @@ bool isThreadAlive(std::uint32_t thread) {
 void MutexHolder::taken() noexcept {
     if (!isCaller()) depth_.store(0, std::memory_order_relaxed);
     depth_.store(depth_.load(std::memory_order_relaxed) + 1, std::memory_order_relaxed);
+    serial_.store(callersSerial(), std::memory_order_relaxed);
     thread_.store(currentThreadId(), std::memory_order_release);
 }
 
@@ -43,7 +51,8 @@ bool MutexHolder::isAlive() const noexcept {
 }
 
 bool MutexHolder::isCaller() const noexcept {
-    return thread_.load(std::memory_order_relaxed) == currentThreadId();
+    return thread_.load(std::memory_order_relaxed) == currentThreadId() &&
+           serial_.load(std::memory_order_relaxed) == callersSerial();
 }
 
 void MutexHolder::reset() noexcept {
@@ -76,6 +85,14 @@ WaitResult MutexState::wait(std::uint32_t milliseconds, MutexHolder& holder) noe
         case ETIMEDOUT: return WaitResult::TimedOut;
         default: return WaitResult::Failed;
     }
+}
+
+bool MutexState::isFree(const MutexHolder& holder) noexcept {
+    if (holder.isCaller()) return false;
+    const int result = pthread_mutex_trylock(&mutex);
+    if (result == EOWNERDEAD) pthread_mutex_consistent(&mutex);
+    const bool isTaken = result == 0 || result == EOWNERDEAD;
+    return isTaken && pthread_mutex_unlock(&mutex) == 0;
 }
 
 bool MutexState::release(MutexHolder& holder) noexcept {

@@ -21,7 +21,10 @@ public:
     void reset() noexcept;
 
 private:
+    /// A thread's number of the system may be another's later; its serial number is its own, but for
+    /// forked children, which inherit it.
     std::atomic<std::uint32_t> thread_{0};
+    std::atomic<std::uint64_t> serial_{0};
     std::atomic<std::uint32_t> depth_{0};
 };
 
@@ -32,6 +35,8 @@ struct MutexState {
 
     bool initialise(Sharing sharing) noexcept;
     WaitResult wait(std::uint32_t milliseconds, MutexHolder& holder) noexcept;
+    /// Whether nobody holds it; an abandoned one is made so.
+    bool isFree(const MutexHolder& holder) noexcept;
     /// @return whether the calling thread owned it
     bool release(MutexHolder& holder) noexcept;
 };

@@ -106,9 +106,11 @@ NamedMutex* openNamedMutex(const ObjectPath& path, mode_t mode) noexcept {
 }
 
 void closeNamedMutex(NamedMutex* mutex) noexcept {
+    std::unique_ptr<SharedFile> use;  // ended when the lock is free again: others may hold the gate
     const ObjectsGuard guard;
     if (--mutex->handles > 0) return;
-    mutex->file().leave();
+    use = mutex->file().detachUse();
+    if (!use) mutex->file().leave();
     forgetUnusedOnes();
 }
 

@@ -57,7 +57,12 @@ void endUse(int file) {
 // Memory is reserved now: where there is none, that is told here and not by a signal later.
 bool reserve(int file, std::size_t size) {
     const auto bytes = static_cast<off_t>(size);
-    return ftruncate(file, bytes) == 0 && posix_fallocate(file, 0, bytes) == 0;
+    if (ftruncate(file, bytes) != 0) return false;
+    int error = 0;
+    do {
+        error = posix_fallocate(file, 0, bytes);
+    } while (error == EINTR);
+    return error == 0;
 }
 
 // The path of an open file that has no name yet.
@@ -74,17 +79,9 @@ std::unique_ptr<SharedFile> SharedFile::open(const ObjectPath& path, std::size_t
     std::unique_ptr<SharedFile> shared{new (std::nothrow) SharedFile(path, size)};
     if (!shared) return nullptr;
 
+    const Start start = {mode & kPermissionBits, initialise, how};
     for (;;) {
-        // Not with O_CREAT: sticky folders refuse it for the files of other users. A pipe in the
-        // file's place must not keep the open waiting.
-        constexpr int kFlags = O_RDWR | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK;
-        shared->file_ = ::open(path.data(), kFlags);
-        if (shared->file_ < 0) {
-            if (errno == EINTR) continue;
-            if (errno != ENOENT || !create(path, size, mode)) return nullptr;
-            continue;
-        }
-        const Outcome outcome = shared->enter(mode, initialise, how);
+        const Outcome outcome = shared->openExisting(start);
         if (outcome == Outcome::Opened) return shared;
         shared->close();
         shared->unmap();
@@ -92,56 +89,75 @@ std::unique_ptr<SharedFile> SharedFile::open(const ObjectPath& path, std::size_t
     }
 }
 
-// The file appears whole and with its permissions. Who else makes it at the same time may be first.
-bool SharedFile::create(const ObjectPath& path, std::size_t size, mode_t mode) noexcept {
-    const int file = ::open(kSharedMemoryFolder, O_TMPFILE | O_RDWR | O_CLOEXEC, 0600);
-    if (file < 0) return false;
+SharedFile::Outcome SharedFile::openExisting(const Start& start) noexcept {
+    // Not with O_CREAT: sticky folders refuse it for the files of other users. A pipe in the file's
+    // place must not keep the open waiting.
+    file_ = ::open(path_.data(), O_RDWR | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK);
+    isNew_ = false;
+    if (file_ < 0 && errno == EINTR) return Outcome::Again;
+    if (file_ < 0) return errno == ENOENT ? create(start) : Outcome::Impossible;
+    if (!remember() || !enterGate(file_)) return Outcome::Impossible;
 
-    const bool isMade = fchmod(file, mode & kPermissionBits) == 0 && reserve(file, size) &&
-                        (linkat(AT_FDCWD, pathOfOpenFile(file).data(), AT_FDCWD, path.data(),
-                                AT_SYMLINK_FOLLOW) == 0 ||
-                         errno == EEXIST);
-    ::close(file);
-    return isMade;
-}
-
-SharedFile::Outcome SharedFile::enter(mode_t mode, Initialise initialise,
-                                      const void* how) noexcept {
-    struct stat status {};
-    if (fstat(file_, &status) != 0 || !S_ISREG(status.st_mode)) return Outcome::Impossible;
-    device_ = status.st_dev;
-    inode_ = status.st_ino;
-    process_ = getpid();
-
-    if (!enterGate(file_)) return Outcome::Impossible;
-    const Outcome outcome = isThatOfThePath() ? prepare(mode, initialise, how) : Outcome::Again;
+    const Outcome outcome = isThatOfThePath() ? join(start) : Outcome::Again;
     leaveGate(file_);
     return outcome;
 }
 
-SharedFile::Outcome SharedFile::prepare(mode_t mode, Initialise initialise,
-                                        const void* how) noexcept {
-    if (becomeOnlyUser(file_)) {
-        fchmod(file_,
-               mode & kPermissionBits);  // fails for the file of another user, which it stays
-        if (!reserve(file_, size_) || !map()) return Outcome::Impossible;
-        // Not by cutting the file to nothing: that would end a forked child that still has it mapped.
-        std::memset(memory_, 0, size_);
-        if (!initialise(memory_, how)) return Outcome::Impossible;
-        return becomeUser(file_) ? Outcome::Opened : Outcome::Impossible;
+// The file appears whole, with its permissions and its first user. Who else makes it at the same time
+// may be first.
+SharedFile::Outcome SharedFile::create(const Start& start) noexcept {
+    constexpr mode_t kUntilItIsReady = 0600;
+    file_ = ::open(kSharedMemoryFolder, O_TMPFILE | O_RDWR | O_CLOEXEC, kUntilItIsReady);
+    if (file_ < 0 || !remember() || !becomeUser(file_) || !fill(start)) return Outcome::Impossible;
+
+    const auto source = pathOfOpenFile(file_);
+    if (linkat(AT_FDCWD, source.data(), AT_FDCWD, path_.data(), AT_SYMLINK_FOLLOW) == 0) {
+        return Outcome::Opened;
     }
+    return errno == EEXIST ? Outcome::Again : Outcome::Impossible;
+}
+
+SharedFile::Outcome SharedFile::join(const Start& start) noexcept {
+    if (becomeOnlyUser(file_)) return replaceLeftover(start);
     if (!becomeUser(file_)) return Outcome::Impossible;
 
-    // A file of another size is none of ours: touching what it lacks would end the process.
+    // A file of another size is none of ours, and one with holes may find no memory for them: touching
+    // what is missing would end the process.
     struct stat status {};
-    const bool isWhole = fstat(file_, &status) == 0 && status.st_size == static_cast<off_t>(size_);
+    const bool isWhole = fstat(file_, &status) == 0 &&
+                         status.st_size == static_cast<off_t>(size_) && reserve(file_, size_);
     return isWhole && map() ? Outcome::Opened : Outcome::Impossible;
 }
 
+// What is left may still be mapped, by a forked child or by a thread that holds a mutex in it: it is left
+// to them. Only the file of another user in a sticky folder cannot be removed and is used again.
+SharedFile::Outcome SharedFile::replaceLeftover(const Start& start) noexcept {
+    if (unlink(path_.data()) == 0) return Outcome::Again;
+    return fill(start) && becomeUser(file_) ? Outcome::Opened : Outcome::Impossible;
+}
+
+bool SharedFile::fill(const Start& start) noexcept {
+    fchmod(file_, start.mode);  // fails for the file of another user alone
+    if (!reserve(file_, size_) || !map()) return false;
+    std::memset(memory_, 0, size_);
+    isNew_ = true;
+    return start.initialise(memory_, start.how);
+}
+
 bool SharedFile::map() noexcept {
+    if (memory_) return true;
     void* const memory = mmap(nullptr, size_, PROT_READ | PROT_WRITE, MAP_SHARED, file_, 0);
     if (memory == MAP_FAILED) return false;
     memory_ = memory;
+    return true;
+}
+
+bool SharedFile::remember() noexcept {
+    struct stat status {};
+    if (fstat(file_, &status) != 0 || !S_ISREG(status.st_mode)) return false;
+    device_ = status.st_dev;
+    inode_ = status.st_ino;
+    process_ = getpid();
     return true;
 }
 
@@ -173,6 +189,22 @@ void SharedFile::leave() noexcept {
 
 void SharedFile::unmap() noexcept {
     if (memory_) munmap(std::exchange(memory_, nullptr), size_);
+}
+
+SharedFile::Gate::Gate(const SharedFile& file) noexcept
+    : file_(enterGate(file.file_) ? file.file_ : -1) {}
+
+SharedFile::Gate::~Gate() {
+    if (file_ >= 0) leaveGate(file_);
+}
+
+std::unique_ptr<SharedFile> SharedFile::detachUse() noexcept {
+    std::unique_ptr<SharedFile> use{new (std::nothrow) SharedFile(path_, size_)};
+    if (!use) return nullptr;
+    use->device_ = device_;
+    use->inode_ = inode_;
+    use->adopt(*this);
+    return use;
 }
 
 void SharedFile::adopt(SharedFile& other) noexcept {

@@ -13,7 +13,7 @@ namespace vexa::platform {
 ///
 /// Two byte-range locks of the file, which end with the open file, order its life. The first byte is the
 /// gate: held while somebody comes or goes. The second is held, shared, by each user. Who comes and
-/// gets it alone finds a file that nobody uses, be it new or left by a killed user, and makes it anew.
+/// gets it alone has found what killed users left, and puts a new file in its place.
 class SharedFile {
 public:
     /// Fills the memory of a file that is new; it is all zeros.
@@ -30,13 +30,32 @@ public:
     ~SharedFile();
 
     [[nodiscard]] void* memory() const noexcept { return memory_; }
+    /// Whether it was new, or made anew, when it was opened.
+    [[nodiscard]] bool isNew() const noexcept { return isNew_; }
     [[nodiscard]] bool isSameFile(const SharedFile& other) const noexcept;
     /// Whether this process opened it, and did not inherit it.
     [[nodiscard]] bool isOwn() const noexcept;
 
+    /// Maps the memory where it is not.
+    bool map() noexcept;
     /// Ends the use of the file. The memory stays until it is unmapped.
     void leave() noexcept;
     void unmap() noexcept;
+
+    /// Keeps others from coming and going while this object lives.
+    class Gate {
+    public:
+        explicit Gate(const SharedFile& file) noexcept;
+        Gate(const Gate&) = delete;
+        Gate& operator=(const Gate&) = delete;
+        ~Gate();
+
+    private:
+        int file_;
+    };
+
+    /// The use of the file by itself, without the memory, for another to end; null where memory is short.
+    std::unique_ptr<SharedFile> detachUse() noexcept;
 
     /// Uses the file through what the other opened, which is of the same file; the memory stays.
     void adopt(SharedFile& other) noexcept;
@@ -44,18 +63,28 @@ public:
 private:
     enum class Outcome { Opened, Again, Impossible };
 
+    /// What a new file starts with.
+    struct Start {
+        mode_t mode;
+        Initialise initialise;
+        const void* how;
+    };
+
     SharedFile(const ObjectPath& path, std::size_t size) noexcept : path_(path), size_(size) {}
 
-    static bool create(const ObjectPath& path, std::size_t size, mode_t mode) noexcept;
-    Outcome enter(mode_t mode, Initialise initialise, const void* how) noexcept;
-    Outcome prepare(mode_t mode, Initialise initialise, const void* how) noexcept;
-    bool map() noexcept;
+    Outcome openExisting(const Start& start) noexcept;
+    Outcome create(const Start& start) noexcept;
+    Outcome join(const Start& start) noexcept;
+    Outcome replaceLeftover(const Start& start) noexcept;
+    bool fill(const Start& start) noexcept;
+    bool remember() noexcept;
     [[nodiscard]] bool isThatOfThePath() const noexcept;
     void close() noexcept;
 
     ObjectPath path_;
     std::size_t size_;
     int file_ = -1;
+    bool isNew_ = false;
     pid_t process_ = 0;
     dev_t device_ = 0;
     ino_t inode_ = 0;

@@ -13,7 +13,8 @@ Handle createMutex(const VexaWChar* name, SECURITY_ATTRIBUTES* sa) noexcept {
     return CreateMutexW(sa, FALSE, name);
 }
 
-Handle createMapping(std::uint32_t size, const VexaWChar* name, SECURITY_ATTRIBUTES* sa) noexcept {
+Handle createMapping(std::uint32_t size, const VexaWChar* name, SECURITY_ATTRIBUTES* sa,
+                     Handle /*event*/) noexcept {
     return CreateFileMappingW(INVALID_HANDLE_VALUE, sa, PAGE_READWRITE, 0, size, name);
 }
 

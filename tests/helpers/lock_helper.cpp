@@ -28,6 +28,10 @@ Lock lockOf(std::string_view kind, const WideString& name) {
     return std::make_unique<InterProcessLock>(name.c_str(), nullptr, 0);
 }
 
+bool hasObjects(const Lock& lock) {
+    return std::visit([](auto& held) { return isMade(*held); }, lock);
+}
+
 void obtain(Lock& lock) {
     std::visit([](auto& held) { held->ObtainLock(); }, lock);
 }
@@ -61,7 +65,7 @@ private:
         words >> kind_ >> name;
         name_ = fromHex(name);
         lock_ = lockOf(kind_, name_);
-        return std::visit([](auto& lock) { return isMade(*lock); }, lock_) ? "made" : "none";
+        return hasObjects(lock_) ? "made" : "none";
     }
 
     std::string obtainLock(Words&) {
@@ -110,24 +114,32 @@ private:
             obtain(lock_);
             step();
             release(lock_);
+            return true;
         });
     }
 
-    // storm <cell> <rounds> <file>: the same with a new lock of the name each time
+    // storm <cell> <rounds> <file>: the same with a new lock of the name each time and none in between;
+    // "none" where one got no system objects
     std::string storm(Words& words) {
+        lock_ = {};
         return countUnder(words, [this](auto& step) {
             Lock lock = lockOf(kind_, name_);
+            if (!hasObjects(lock)) return false;
             obtain(lock);
             step();
             release(lock);
+            return true;
         });
     }
 
-    // churn <rounds>: makes and destroys locks of the name
+    // churn <rounds>: makes and destroys locks of the name; "none" where one got no system objects
     std::string churn(Words& words) {
+        lock_ = {};
         std::uint64_t rounds = 0;
         words >> rounds;
-        for (; rounds > 0; --rounds) lockOf(kind_, name_);
+        for (; rounds > 0; --rounds) {
+            if (!hasObjects(lockOf(kind_, name_))) return "none";
+        }
         return "churned";
     }
 
@@ -145,7 +157,9 @@ private:
             counts.countUp(0);
             counts.countUp(cell);
         };
-        for (; rounds > 0; --rounds) round(step);
+        for (; rounds > 0; --rounds) {
+            if (!round(step)) return "none";
+        }
         return "counted";
     }
 
@@ -179,6 +193,8 @@ const std::array<Helper::Command, 11> Helper::kCommands = {{
 }  // namespace vexa::test
 
 int main() {
+    // A test program that is stopped leaves no process at work behind.
+    vexa::test::endWithParent();
     vexa::test::Helper helper;
     for (std::string line; std::getline(std::cin, line);) {
         std::cout << helper.perform(line) << std::endl;

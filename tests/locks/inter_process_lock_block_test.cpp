@@ -372,11 +372,12 @@ TEST_F(InterProcessLockBlock, LetsTheNextWaiterPassOnceAfterTheEndOfTheHoldingOb
     holder->ObtainLock();
     holder.reset();
     lock.ObtainLock();
-    Contender waiter{lock};
+    const Contender waiter{lock};
 
-    ASSERT_TRUE(waiter.comesIn());
+    EXPECT_TRUE(waiter.comesIn());
     EXPECT_EQ(blockOf(lock).ownerThread, waiter.threadId());
     EXPECT_EQ(lockCountOf(lock), 2);
+    lock.ReleaseLock();  // a stranger's by now
 }
 
 TEST_F(InterProcessLockBlock, KeepsWhoWaitsWhenTheHoldingObjectEnds) {

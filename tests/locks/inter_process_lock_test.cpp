@@ -253,7 +253,7 @@ void expectHarmless(Lock& lock) {
 
 TEST_F(InterProcessLockTest, WithABackslashIsNoLock) {
     for (const char* const tail : {"\\", "\\a", "a\\b"}) {
-        Lock none{wide(name + tail).c_str(), nullptr, 7};
+        Lock none{wide(name + "none" + tail).c_str(), nullptr, 7};
         expectHarmless(none);
         EXPECT_EQ(imageOf(none).event, nullptr);
         EXPECT_EQ(imageOf(none).mapping, nullptr);
@@ -261,7 +261,7 @@ TEST_F(InterProcessLockTest, WithABackslashIsNoLock) {
 }
 
 TEST_F(InterProcessLockTest, ThatCouldNotBeMadeCanBeCopied) {
-    Lock none{wide(name + "\\").c_str(), nullptr, 0};
+    Lock none{wide(name + "none\\").c_str(), nullptr, 0};
     Lock copy{none};
     expectHarmless(copy);
 }

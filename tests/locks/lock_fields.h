@@ -13,17 +13,21 @@ namespace vexa::test {
 /// The fields of the lock classes where their users' compilers put them: behind the table of virtual
 /// functions.
 
+// NOLINTBEGIN(bugprone-sizeof-expression): a field may be a pointer, and is copied as one
+
 template <class Field, class Object>
 Field fieldAt(const Object& object, std::size_t offset) {
     Field field{};
-    std::memcpy(&field, reinterpret_cast<const std::byte*>(&object) + offset, sizeof field);
+    std::memcpy(&field, reinterpret_cast<const std::byte*>(&object) + offset, sizeof(Field));
     return field;
 }
 
 template <class Field, class Object>
 void setFieldAt(Object& object, std::size_t offset, const Field& value) {
-    std::memcpy(reinterpret_cast<std::byte*>(&object) + offset, &value, sizeof value);
+    std::memcpy(reinterpret_cast<std::byte*>(&object) + offset, &value, sizeof(Field));
 }
+
+// NOLINTEND(bugprone-sizeof-expression)
 
 inline ThreadLock* slotsOf(const CThreadLock& locks) {
     return fieldAt<ThreadLock*>(locks, 8);

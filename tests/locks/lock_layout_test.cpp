@@ -133,7 +133,7 @@ TEST(CThreadLockLayout, HasTheSlotsThenTheirCount) {
 TEST(CThreadLockLayout, HasTheSlotOfEachIdInItsPlace) {
     constexpr std::uint32_t kCount = 4;
     CThreadLock locks{kCount};
-    ThreadLock* const slots = fieldAt<ThreadLock*>(locks, 8);
+    auto* const slots = fieldAt<ThreadLock*>(locks, 8);
     for (std::uint32_t taken = 0; taken < kCount; ++taken) {
         locks.ObtainLock(taken);
         for (std::uint32_t i = 0; i < kCount; ++i) {

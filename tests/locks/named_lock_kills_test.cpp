@@ -203,27 +203,31 @@ public:
         while (Clock::now() < end) {
             std::this_thread::sleep_for(std::chrono::microseconds{random_() % 20'000});
             const std::size_t victim = random_() % kProcesses;
-            crew_[victim]->kill();
-            ++kills_;
+            kill(*crew_[victim]);
             start(victim);
             inBetween();
         }
     }
 
     void killAll() {
-        for (const auto& helper : crew_) helper->kill();
-        kills_ += kProcesses;
+        for (const auto& helper : crew_) kill(*helper);
     }
 
     [[nodiscard]] std::uint64_t kills() const { return kills_; }
     [[nodiscard]] unsigned seed() const { return seed_; }
 
 private:
+    void kill(LockHelper& helper) {
+        EXPECT_EQ(helper.answer(0ms), "nothing") << "seed " << seed_;  // it was at work
+        helper.kill();
+        ++kills_;
+    }
+
     void start(std::size_t number) {
         crew_[number] = std::make_unique<LockHelper>(kind_, name_);
-        std::string command = command_;
-        command.replace(command.find('#'), 1, std::to_string(number + 1));
-        crew_[number]->tell(command);
+        const std::size_t place = command_.find('#');
+        crew_[number]->tell(command_.substr(0, place) + std::to_string(number + 1) +
+                            command_.substr(place + 1));
     }
 
     unsigned seed_ = std::random_device{}();
@@ -258,6 +262,14 @@ protected:
         EXPECT_GT(common, 0U);
         EXPECT_GE(common, own) << "seed " << crew.seed();
         EXPECT_LE(common, own + crew.kills()) << "seed " << crew.seed();
+    }
+
+    void expectNewForTheNext(const KilledCrew& crew) {
+        InterProcessLock lock{wideName.c_str(), nullptr, 0};
+        EXPECT_EQ(blockOf(lock), BlockState{}) << "seed " << crew.seed();
+        EXPECT_EQ(platform::waitFor(imageOf(lock).event, 0), platform::WaitResult::TimedOut);
+        EXPECT_TRUE(isFreeForOthers(lock)) << "seed " << crew.seed();
+        counts.clear();
     }
 
     [[nodiscard]] bool goesOn() {
@@ -323,15 +335,23 @@ TEST_F(LockUnderKills, OfAnInterProcessLockDisturbsNoUser) {
 TEST_F(LockUnderKills, OfAnInterProcessLockEndWithItsUsers) {
     const auto end = Clock::now() + kStressTime;
     while (Clock::now() < end) {
+        KilledCrew crew{"interprocess", wideName, counting("count")};
+        ASSERT_TRUE(goesOn()) << "seed " << crew.seed();
+        crew.killAll();
+        expectNoCountLost(crew);
+        expectNewForTheNext(crew);
+    }
+}
+
+// That nobody's count is lost is not said of these: a signal that was meant for a killed waiter may
+// outlive the block, with the last user of the event.
+TEST_F(LockUnderKills, OfAnInterProcessLockThatComesAndGoesEndWithItsUsers) {
+    const auto end = Clock::now() + kStressTime;
+    while (Clock::now() < end) {
         KilledCrew crew{"interprocess", wideName, counting("storm")};
         ASSERT_TRUE(goesOn()) << "seed " << crew.seed();
         crew.killAll();
-
-        InterProcessLock lock{wideName.c_str(), nullptr, 0};
-        ASSERT_EQ(blockOf(lock), BlockState{}) << "seed " << crew.seed();
-        ASSERT_TRUE(isFreeForOthers(lock)) << "seed " << crew.seed();
-        expectNoCountLost(crew);
-        counts.clear();
+        expectNewForTheNext(crew);
     }
 }
 

@@ -180,6 +180,15 @@ TYPED_TEST(NamedLockNames, WithABackslashAnywhereMakeNoLock) {
     EXPECT_FALSE(isMade(*makeLock<TypeParam>(wide("Local\\") + this->wideName)));
 }
 
+TYPED_TEST(NamedLockNames, WithABackslashBehindANameInUseMakeNoLock) {
+    const auto inUse = this->lockOf({});
+    for (const char* const tail : {"\\", "\\a", "\\\\"}) {
+        const auto lock = this->lockOf(wide(tail));
+        EXPECT_FALSE(isMade(*lock)) << tail;
+        EXPECT_FALSE(isFreeForOthers(*lock)) << tail;
+    }
+}
+
 // ---- Lengths ----------------------------------------------------------------------------------
 
 using MutexLockLength = NamedLockNames<MutexLock>;

@@ -10,7 +10,8 @@ namespace vexa::test {
 
 namespace {
 
-static_assert(sizeof(CRegSettings) == 8 && alignof(CRegSettings) == 8);
+static_assert(sizeof(CRegSettings) == 8);
+static_assert(alignof(CRegSettings) == 8);
 static_assert(!std::is_polymorphic_v<CRegSettings>);
 static_assert(
     std::is_same_v<decltype(std::declval<CRegSettings&>() = std::declval<const CRegSettings&>()),

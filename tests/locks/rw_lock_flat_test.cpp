@@ -21,6 +21,7 @@ constexpr std::int32_t kToRead = 1;
 /// A lock for the length of a test.
 struct FlatLock {
     RWLock* get = nullptr;
+    Watchdog watchdog;
 
     FlatLock() { rwlock_create(&get); }
     FlatLock(const FlatLock&) = delete;

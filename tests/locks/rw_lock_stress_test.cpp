@@ -3,7 +3,7 @@
 #include "vexakit/locks.h"
 
 #include <atomic>
-#include <cstdint>
+#include <cstddef>
 #include <thread>
 
 #include <gtest/gtest.h>
@@ -112,6 +112,27 @@ TEST(RWLockStress, KeepsWritersFromReadersThatComeAndGo) {
 
     EXPECT_EQ(writes, 2 * kRounds);
     guarded.expectWhole(2 * kRounds);
+}
+
+// A late step of one of them would leave the way open for readers although the gate is free.
+TEST(RWLockStress, IsFreeWhereTwoReadersLeaveAtOnce) {
+    RWLock lock;
+    lock.Initialize();
+    const auto enterTwice = [&] {
+        lock.Claim(kToRead);
+        lock.Claim(kToRead);
+    };
+    int leftOpen = 0;
+
+    enterTwice();
+    sideBySide([&](std::size_t /*mine*/, int /*round*/) { lock.Release(kToRead); },
+               [&](int /*round*/) {
+                   if (!isFree(lock)) ++leftOpen;
+                   enterTwice();
+               });
+
+    EXPECT_EQ(leftOpen, 0);
+    lock.Cleanup();
 }
 
 TEST(RWLockStress, CountsReadersThatNeverWait) {

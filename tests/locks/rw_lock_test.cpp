@@ -24,6 +24,9 @@ public:
     ReadyLock(const ReadyLock&) = delete;
     ReadyLock& operator=(const ReadyLock&) = delete;
     ~ReadyLock() override { RWLock::Cleanup(); }
+
+private:
+    Watchdog watchdog_;
 };
 
 /// Claims a lock and releases it.
@@ -91,7 +94,7 @@ TEST(RWLockInitialize, MakesTheLockUsableAfterACleanup) {
 TEST(RWLockCleanup, ClosesTheHandlesAndLeavesTheFields) {
     RWLock lock;
     lock.Initialize();
-    const RWLock before{lock};  // NOLINT(performance-unnecessary-copy-initialization)
+    const RWLock before{lock};  // NOLINT(performance-unnecessary-copy-initialization): looked at
     lock.Cleanup();
 
     EXPECT_EQ(readerEventOf(lock), readerEventOf(before));
@@ -113,6 +116,19 @@ TEST(RWLockCleanup, IsHarmlessWhenRepeated) {
     EXPECT_TRUE(isFree(other));
 }
 
+#ifndef _WIN32
+// Windows gives the numbers of closed handles out again: there they may be another object's.
+
+TEST(RWLockCleanup, WhenRepeatedLeavesWhatWasMadeMeanwhile) {
+    RWLock lock;
+    lock.Initialize();
+    lock.Cleanup();
+    ReadyLock other;
+    lock.Cleanup();
+
+    EXPECT_TRUE(isFree(other));
+}
+
 TEST(RWLockCleanup, LeavesALockThatIsClaimedNothingToWaitFor) {
     RWLock lock;
     lock.Initialize();
@@ -125,17 +141,6 @@ TEST(RWLockCleanup, LeavesALockThatIsClaimedNothingToWaitFor) {
     EXPECT_TRUE(worker.isDoneInTime());
 }
 
-#ifndef _WIN32
-// Windows gives numbers of closed handles out again, so there it may be another's.
-TEST(RWLockCleanup, WhenRepeatedLeavesWhatWasMadeMeanwhile) {
-    RWLock lock;
-    lock.Initialize();
-    lock.Cleanup();
-    ReadyLock other;
-    lock.Cleanup();
-
-    EXPECT_TRUE(isFree(other));
-}
 #endif
 
 TEST(RWLockCleanup, EndsALockThatIsClaimed) {
@@ -175,16 +180,19 @@ void expectFieldsOf(const RWLock& copy, RWLock& lock) {
 }
 
 TEST(RWLockCopy, HasTheFieldsOfTheOther) {
-    ReadyLock lock;
+    RWLock lock;
+    lock.Initialize();
     for (int i = 0; i < 3; ++i) lock.Claim(kToRead);
 
-    const RWLock copy{lock};  // NOLINT(performance-unnecessary-copy-initialization)
+    const RWLock copy{lock};  // NOLINT(performance-unnecessary-copy-initialization): looked at
     expectFieldsOf(copy, lock);
     EXPECT_EQ(readerCountOf(lock), 2);
+    lock.Cleanup();
 }
 
 TEST(RWLockCopy, AssignedHasTheFieldsOfTheOther) {
-    ReadyLock lock;
+    RWLock lock;
+    lock.Initialize();
     lock.Claim(kToRead);
     lock.Claim(kToRead);
     RWLock copy;
@@ -192,10 +200,12 @@ TEST(RWLockCopy, AssignedHasTheFieldsOfTheOther) {
     const RWLock* const result = &(copy = lock);
     EXPECT_EQ(result, &copy);
     expectFieldsOf(copy, lock);
+    lock.Cleanup();
 }
 
 TEST(RWLockCopy, WaitsForAWriterOfTheOther) {
-    ReadyLock lock;
+    RWLock lock;
+    lock.Initialize();
     RWLock copy{lock};
     lock.Claim(kToWrite);
     const Worker writer{visit(copy, kToWrite)};
@@ -203,6 +213,7 @@ TEST(RWLockCopy, WaitsForAWriterOfTheOther) {
 
     lock.Release(kToWrite);
     EXPECT_TRUE(writer.isDoneInTime());
+    lock.Cleanup();
 }
 
 TEST(RWLockCopy, CleanedUpIsTheEndOfAll) {

@@ -18,9 +18,9 @@ constexpr int kToWrite = 0;
 constexpr int kToRead = 1;
 
 class RWLockThreads : public testing::Test {
-protected:
-    RWLockThreads() { lock.Initialize(); }
-    ~RWLockThreads() override { lock.Cleanup(); }
+public:
+    void SetUp() override { lock.Initialize(); }
+    void TearDown() override { lock.Cleanup(); }
 
     /// A thread that claims the lock and releases it.
     auto visit(int mode) {
@@ -30,9 +30,10 @@ protected:
         };
     }
 
-    bool isWriterQueued() { return isOwnedByAnother(writerMutexOf(lock)); }
+    bool isWriterQueued() const { return isOwnedByAnother(writerMutexOf(lock)); }
 
     RWLock lock;
+    Watchdog watchdog;
 };
 
 // ---- Who waits for whom -------------------------------------------------------------------------
@@ -288,6 +289,7 @@ TEST_F(RWLockThreads, KeepReadersOutAfterAWriterThatEnded) {
 
     EXPECT_EQ(lock.Release(kToWrite), VEXA_SUCCESS);
     EXPECT_TRUE(reader.isDoneInTime());
+    EXPECT_TRUE(isFree(lock));
 }
 
 TEST_F(RWLockThreads, ReleaseWhatEndedReadersClaimed) {

@@ -23,6 +23,8 @@ using Ends = std::vector<const ThreadLock*>;
 class WatchedSlot : public ThreadLock {
 public:
     explicit WatchedSlot(Ends& ends) { current = &ends; }
+    WatchedSlot(const WatchedSlot&) = delete;
+    WatchedSlot& operator=(const WatchedSlot&) = delete;
     ~WatchedSlot() override { current->push_back(this); }
 
 private:

@@ -51,7 +51,7 @@ TEST(ThreadLockCreate, MakesASetOfTheCount) {
 TEST(ThreadLockCreate, MakesFreeLocks) {
     const LockSet locks{3};
 
-    for (const std::uint32_t lockId : {0, 1, 2}) EXPECT_TRUE(isFree(*locks.get, lockId));
+    for (const std::uint32_t lockId : {0U, 1U, 2U}) EXPECT_TRUE(isFree(*locks.get, lockId));
 }
 
 TEST(ThreadLockCreate, OverwritesWhateverTheCallerHad) {
@@ -149,6 +149,8 @@ TEST(ThreadLockDestroy, RefusesTheSecondTime) {
 class HostSet : public CThreadLock {
 public:
     explicit HostSet(int& ends) : CThreadLock(1), ends_(ends) {}
+    HostSet(const HostSet&) = delete;
+    HostSet& operator=(const HostSet&) = delete;
     ~HostSet() override { ++ends_; }
 
 private:

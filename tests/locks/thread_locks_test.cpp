@@ -227,7 +227,7 @@ TEST(CThreadLock, OfOneSetDoesNotWaitForAnother) {
 
 TEST(CThreadLock, IsReleasedInAnyOrder) {
     CThreadLock locks{3};
-    for (const std::uint32_t lockId : {0, 1, 2}) locks.ObtainLock(lockId);
+    for (const std::uint32_t lockId : {0U, 1U, 2U}) locks.ObtainLock(lockId);
 
     locks.ReleaseLock(1);
     EXPECT_EQ(tryElsewhere(locks, 0), 0);

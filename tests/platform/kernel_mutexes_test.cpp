@@ -113,7 +113,7 @@ TEST_P(Mutex, IsAbandonedOnceByAThreadThatEnds) {
         abandonAtDepth(depth);
         EXPECT_FALSE(releaseMutex(mutex()));  // nobody's yet
 
-        EXPECT_EQ(waitFor(sameMutex(), kLimit), WaitResult::Abandoned);
+        EXPECT_EQ(waitFor(sameMutex(), 0), WaitResult::Abandoned);
         EXPECT_EQ(waitElsewhere(0), WaitResult::TimedOut);
         EXPECT_TRUE(releaseMutex(mutex()));  // at depth 1, whatever it was before
         EXPECT_FALSE(releaseMutex(mutex()));
@@ -143,9 +143,39 @@ TEST_P(Mutex, AbandonedWakesWhoWaits) {
     EXPECT_TRUE(comesTrue([&] { return isHeld.load(); }));
 
     isAtTheDoor = true;
-    EXPECT_EQ(waitFor(sameMutex(), kLimit), WaitResult::Abandoned);
+    EXPECT_EQ(waitFor(sameMutex(), kNoTimeLimit), WaitResult::Abandoned);
     owner.join();
     EXPECT_TRUE(releaseMutex(mutex()));
+}
+
+TEST_P(Mutex, IsHadWithinALimit) {
+#ifdef __SANITIZE_THREAD__
+    GTEST_SKIP() << "this checker does not see a lock that is taken within a limit";
+#endif
+    std::atomic<bool> isHeld = false;
+    std::atomic<bool> mayEnd = false;
+    std::thread owner{[&] {
+        waitFor(mutex(), kLimit);
+        isHeld = true;
+        comesTrue([&] { return mayEnd.load(); });
+        releaseMutex(mutex());
+        waitFor(mutex(), kLimit);  // and abandons it, maybe after the others have had it
+    }};
+    EXPECT_TRUE(comesTrue([&] { return isHeld.load(); }));
+    EXPECT_EQ(waitElsewhere(1), WaitResult::TimedOut);
+
+    mayEnd = true;
+    WaitResult result = waitFor(sameMutex(), kLimit);
+    if (result == WaitResult::Signalled) {
+        EXPECT_TRUE(releaseMutex(mutex()));
+        owner.join();
+        result = waitFor(sameMutex(), kLimit);
+    } else {
+        owner.join();
+    }
+    EXPECT_EQ(result, WaitResult::Abandoned);
+    EXPECT_TRUE(releaseMutex(mutex()));
+    EXPECT_EQ(waitElsewhere(1), WaitResult::Signalled);
 }
 
 TEST_P(Mutex, LetsOneThreadInAtATime) {

@@ -15,6 +15,7 @@
 #include <grp.h>
 #include <poll.h>
 #include <spawn.h>
+#include <sys/prctl.h>
 #include <sys/socket.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
@@ -26,7 +27,7 @@ namespace vexa::test {
 using Clock = std::chrono::steady_clock;
 
 /// How long what has to happen may take.
-constexpr std::chrono::seconds kPatience{30};
+constexpr std::chrono::seconds kPatience{20};
 
 /// Waits for a condition. @return whether it became true
 template <class Condition>
@@ -48,6 +49,9 @@ inline std::uint32_t kernelThreadId() {
 inline std::uint32_t kernelProcessId() {
     return GetCurrentProcessId();
 }
+
+/// Ends this process with its parent; not on this system.
+inline void endWithParent() {}
 
 /// Gives this process the rights of a user, for good; not on this system.
 inline bool becomeUser(std::uint32_t /*user*/) {
@@ -159,9 +163,16 @@ inline std::uint32_t kernelProcessId() {
     return static_cast<std::uint32_t>(syscall(SYS_getpid));
 }
 
+/// Ends this process with the thread that started it.
+inline void endWithParent() {
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
+}
+
 /// Gives this process the rights of a user, for good.
 inline bool becomeUser(std::uint32_t user) {
-    return setgroups(0, nullptr) == 0 && setgid(user) == 0 && setuid(user) == 0;
+    const bool isChanged = setgroups(0, nullptr) == 0 && setgid(user) == 0 && setuid(user) == 0;
+    endWithParent();  // a new user has to say so again
+    return isChanged;
 }
 
 inline std::filesystem::path ownExecutable() {

@@ -2,7 +2,6 @@
 
 #include <cerrno>
 #include <csignal>
-#include <cstddef>
 #include <poll.h>
 #include <sys/wait.h>
 #include <unistd.h>

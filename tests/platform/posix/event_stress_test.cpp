@@ -3,7 +3,6 @@
 #include "tests/platform/posix/child_process.h"
 
 #include <atomic>
-#include <barrier>
 #include <chrono>
 #include <cstdint>
 #include <mutex>
@@ -16,7 +15,6 @@ namespace vexa::test {
 
 namespace {
 
-using platform::Handle;
 using platform::Reset;
 using platform::resetEvent;
 using platform::setEvent;
@@ -170,21 +168,23 @@ TEST_P(EventStress, WakesAllInEveryRound) {
     constexpr int kRounds = 300;
     const OwnHandle event = make(Reset::Manual);
     std::atomic<int> lost = 0;
-    std::barrier allHavePassed(kConsumers + 1);
+    std::atomic<int> passes = 0;
+    std::atomic<int> openRound = 0;
     Threads waiters;
     waiters.add(kConsumers, [&] {
         for (int round = 0; round < kRounds; ++round) {
             if (waitFor(event.get(), kLimit) != WaitResult::Signalled) ++lost;
-            allHavePassed.arrive_and_wait();
-            allHavePassed.arrive_and_wait();  // the event is reset between the two
+            ++passes;
+            openRound.wait(round);  // until the event is reset
         }
     });
     for (int round = 0; round < kRounds; ++round) {
         if (round % 2 == 0) std::this_thread::yield();
         setEvent(event.get());
-        allHavePassed.arrive_and_wait();
+        ASSERT_TRUE(comesTrue([&] { return passes == kConsumers * (round + 1); }));
         resetEvent(event.get());
-        allHavePassed.arrive_and_wait();
+        openRound = round + 1;
+        openRound.notify_all();
     }
     waiters.join();
 

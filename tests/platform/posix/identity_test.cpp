@@ -2,12 +2,9 @@
 
 #include "tests/platform/posix/child_process.h"
 
-#include <algorithm>
 #include <cctype>
-#include <cstddef>
 #include <cstdint>
 #include <cstdlib>
-#include <filesystem>
 #include <fstream>
 #include <sched.h>
 #include <string>

@@ -162,6 +162,33 @@ TYPED_TEST(NamedLockAndFork, IsUsedByAChildAfterItsParentsEnd) {
     EXPECT_EQ(child.exitCode(), kGood);
 }
 
+// The child has become a user of its own.
+TYPED_TEST(NamedLockAndFork, IsKeptByAChildThatUsesItsNameAnew) {
+    const Signal isInside;
+    const Signal isDestroyed;
+    Child child{[&] {
+        auto own = this->another();
+        if (!own->TryLock()) return 1;
+        isInside.give();
+        if (!isDestroyed.await()) return 2;
+        LockHelper other{this->kKind, this->wideName};
+        if (other.ask("try") != "no") return 3;
+        own->ReleaseLock();
+        if (other.ask("try") != "yes") return 4;
+        if (own->TryLock()) return 5;
+        if (other.end() != 0) return 6;
+        own.reset();
+        this->lock.reset();
+        return kGood;
+    }};
+
+    ASSERT_TRUE(isInside.await());
+    this->lock.reset();
+    EXPECT_FALSE(filesOf(this->name).empty());
+    isDestroyed.give();
+    EXPECT_EQ(child.exitCode(), kGood);
+}
+
 // ---- Mutexes ----------------------------------------------------------------------------------
 
 using MutexLockAndFork = NamedLockAndFork<MutexLock>;

@@ -110,7 +110,7 @@ TYPED_TEST(NamedLockSecurity, CountsForTheFirstUserAlone) {
 
 TYPED_TEST(NamedLockSecurity, IsThatOfTheFirstUserAfterTheLast) {
     Attributes attributes{0640};
-    this->lockWith(attributes.get());
+    this->lockWith(attributes.get()).reset();
     const auto first = this->lockWith(nullptr);
     this->expectModes(0666);
 }

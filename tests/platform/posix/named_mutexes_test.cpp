@@ -11,7 +11,6 @@
 #include <optional>
 #include <sys/stat.h>
 #include <thread>
-#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -19,7 +18,6 @@ namespace vexa::test {
 
 namespace {
 
-using platform::closeHandle;
 using platform::createMutex;
 using platform::Handle;
 using platform::kNoTimeLimit;
@@ -220,7 +218,7 @@ TEST_F(NamedMutexes, AreAbandonedByAKilledProcess) {
     EXPECT_EQ(waitFor(mutex.get(), 0), WaitResult::TimedOut);
     holder.kill();
 
-    EXPECT_EQ(waitFor(mutex.get(), kLimit), WaitResult::Abandoned);
+    EXPECT_EQ(waitFor(mutex.get(), 0), WaitResult::Abandoned);
     EXPECT_TRUE(releaseMutex(mutex.get()));
     EXPECT_EQ(waitElsewhere(mutex.get()), WaitResult::Signalled);
 }
@@ -306,7 +304,7 @@ TEST_F(NamedMutexes, WorkInAChildThroughTheParentsHandle) {
     }};
     EXPECT_EQ(child.exitCode(), 0);
 
-    EXPECT_EQ(waitFor(mutex.get(), kLimit), WaitResult::Abandoned);
+    EXPECT_EQ(waitFor(mutex.get(), 0), WaitResult::Abandoned);
     EXPECT_TRUE(releaseMutex(mutex.get()));
     EXPECT_FALSE(releaseMutex(mutex.get()));
 }

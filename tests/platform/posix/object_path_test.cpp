@@ -4,6 +4,7 @@
 #include "tests/support/wide_text.h"
 
 #include <cstddef>
+#include <iterator>
 #include <optional>
 #include <ostream>
 #include <sched.h>

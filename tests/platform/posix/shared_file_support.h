@@ -4,7 +4,6 @@
 #include "platform/posix/shared_file.h"
 #include "tests/platform/kernel_objects_support.h"
 
-#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <filesystem>
@@ -12,7 +11,6 @@
 #include <memory>
 #include <optional>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <gtest/gtest.h>
 

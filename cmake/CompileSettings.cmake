@@ -13,6 +13,7 @@ target_compile_options(vexakit_settings INTERFACE
 # What makes an attacker's work harder, as Debian builds its packages. Sources can be fortified where
 # they are optimised; a sanitizer has checks of its own.
 target_compile_options(vexakit_settings INTERFACE -fstack-protector-strong)
+target_link_options(vexakit_settings INTERFACE -fstack-protector-strong)
 if(NOT VEXAKIT_SANITIZE AND NOT WIN32)
     target_compile_options(vexakit_settings INTERFACE
         $<$<CONFIG:Release,RelWithDebInfo,MinSizeRel>:-U_FORTIFY_SOURCE$<SEMICOLON>-D_FORTIFY_SOURCE=2>)

@@ -2,19 +2,33 @@
 
 #include <windows.h>
 
+#include <cwchar>
+
 namespace vexa::platform {
+
+namespace {
+
+// A system may take a backslash at the end for nothing, and open the object without it.
+bool canBeUsed(const VexaWChar* name) {
+    return !name || !std::wcschr(name, L'\\');
+}
+
+}  // namespace
 
 Handle createEvent(Reset reset, bool isSignalled, const VexaWChar* name,
                    SECURITY_ATTRIBUTES* sa) noexcept {
+    if (!canBeUsed(name)) return nullptr;
     return CreateEventW(sa, reset == Reset::Manual, isSignalled, name);
 }
 
 Handle createMutex(const VexaWChar* name, SECURITY_ATTRIBUTES* sa) noexcept {
+    if (!canBeUsed(name)) return nullptr;
     return CreateMutexW(sa, FALSE, name);
 }
 
 Handle createMapping(std::uint32_t size, const VexaWChar* name, SECURITY_ATTRIBUTES* sa,
                      Handle /*event*/) noexcept {
+    if (!canBeUsed(name)) return nullptr;
     return CreateFileMappingW(INVALID_HANDLE_VALUE, sa, PAGE_READWRITE, 0, size, name);
 }
 

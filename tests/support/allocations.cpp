@@ -103,6 +103,13 @@ void* operator new(std::size_t bytes) {
 void* operator new[](std::size_t bytes) {
     return newBlock(bytes);
 }
+void* operator new(std::size_t bytes, const std::nothrow_t& /*tag*/) noexcept {
+    try {
+        return newBlock(bytes);
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
+}
 // The program asks for no alignment beyond that of the heap.
 void* operator new(std::size_t bytes, std::align_val_t alignment) {
     if (static_cast<std::size_t>(alignment) > alignof(std::max_align_t)) throw std::bad_alloc{};

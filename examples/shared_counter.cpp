@@ -74,14 +74,15 @@ int countTogether(const std::string& program) {
     const std::string command =
         "\"" + program + "\" " + path + " " + name + " " + std::to_string(kRounds);
     int otherStatus = EXIT_FAILURE;
-    std::thread other([&] { otherStatus = std::system(command.c_str()); });
-    const int status = std::system(command.c_str());
+    const auto run = [&] { return std::system(command.c_str()); };  // NOLINT(concurrency-mt-unsafe)
+    std::thread other([&] { otherStatus = run(); });
+    const int status = run();
     other.join();
 
     const long sum = readNumber(path);
     std::remove(path.c_str());
     std::printf("2 processes, %d rounds each: %ld\n", kRounds, sum);
-    const bool isRight = status == 0 && otherStatus == 0 && sum == 2 * kRounds;
+    const bool isRight = status == 0 && otherStatus == 0 && sum == 2L * kRounds;
     return isRight ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 

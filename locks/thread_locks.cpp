@@ -21,6 +21,8 @@ CThreadLock::CThreadLock(const CThreadLock& other)
     : slots_(shareSlots(other.slots_)), count_(other.count_) {}
 
 CThreadLock& CThreadLock::operator=(const CThreadLock& other) {
+    if (this == &other) return *this;
+
     ThreadLock* const before = slots_;
     slots_ = shareSlots(other.slots_);
     count_ = other.count_;

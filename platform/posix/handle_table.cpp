@@ -92,6 +92,7 @@ Handle publish(Slot& slot, ObjectKind kind) noexcept {
     const bool isCounted = kind != ObjectKind::Event && kind != ObjectKind::Mutex;
     if (isCounted) slot.users.store(1, std::memory_order_relaxed);
     slot.handle.store(handle, std::memory_order_release);
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): nobody follows it
     return reinterpret_cast<Handle>(handle);
 }
 

@@ -73,6 +73,7 @@ TEST_P(GarbageHandle, FailsAndIsNotFollowed) {
     const OwnHandle open{
         createEvent(Reset::Manual, true, nullptr, nullptr)};  // so there is a table
 
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): a handle is a number
     expectNothingWorksOn(reinterpret_cast<Handle>(GetParam().value));
     EXPECT_EQ(waitFor(open.get(), 0), WaitResult::Signalled);
 }
@@ -83,6 +84,7 @@ TEST(GarbageHandle, FailsWhereItLooksLikeAnOpenOne) {
     const std::uintptr_t other =
         reinterpret_cast<std::uintptr_t>(open.get()) + (std::uintptr_t{1} << 30);
 
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): a handle is a number
     expectNothingWorksOn(reinterpret_cast<Handle>(other));
     EXPECT_EQ(waitFor(open.get(), 0), WaitResult::Signalled);
 }

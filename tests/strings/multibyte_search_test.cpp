@@ -8,10 +8,6 @@
 
 #include <gtest/gtest.h>
 
-#ifdef _WIN32
-#include <mbstring.h>
-#endif
-
 namespace vexa::test {
 
 namespace {

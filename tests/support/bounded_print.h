@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <type_traits>
 
 namespace vexa::test {
 
@@ -57,7 +58,8 @@ std::string printed(std::string_view format, Values... values) {
 
     std::string text;
     for (std::size_t index = 0; room.data()[index] != 0; ++index) {
-        const auto character = static_cast<std::uint32_t>(room.data()[index]);
+        using Unsigned = std::make_unsigned_t<std::remove_cvref_t<decltype(room.data()[index])>>;
+        const std::uint32_t character = static_cast<Unsigned>(room.data()[index]);
         if (sizeof room.data()[index] > 1 && character > 0xFF) return "beyond a byte";
         text += static_cast<char>(character);
     }

@@ -1,5 +1,4 @@
 #include "platform/encodings.h"
-
 #include "platform/posix/code_pages.h"
 #include "tests/support/wide_text.h"
 

@@ -50,7 +50,8 @@ TEST(HandleTable, FindsAnObjectThroughItsHandleAlone) {
     EXPECT_EQ(kindOf(handle), ObjectKind::Event);
     const auto value = reinterpret_cast<std::uintptr_t>(handle);
     for (unsigned bit = 0; bit < 64; ++bit) {
-        const auto other = reinterpret_cast<Handle>(value ^ (std::uintptr_t{1} << bit));
+        // NOLINTNEXTLINE(performance-no-int-to-ptr): a handle is a number
+        auto* const other = reinterpret_cast<Handle>(value ^ (std::uintptr_t{1} << bit));
         EXPECT_NE(slotOf(other), slot) << "bit " << bit;
     }
     EXPECT_EQ(retire(handle), slot);

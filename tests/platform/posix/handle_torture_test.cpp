@@ -107,7 +107,16 @@ void useAny(Handle handle) {
     useMapping(handle);
 }
 
-class HandleTorture : public testing::TestWithParam<TortureCase> {};
+class HandleTorture : public testing::TestWithParam<TortureCase> {
+protected:
+    void SetUp() override {
+#ifdef __SANITIZE_THREAD__
+        // Mutexes that are closed while held stay with their thread: more than it follows.
+        const bool hasMutexes = GetParam().use == &useMutex || GetParam().use == &useAny;
+        if (hasMutexes) GTEST_SKIP() << "this checker follows at most 64 held locks";
+#endif
+    }
+};
 INSTANTIATE_TEST_SUITE_P(Table, HandleTorture,
                          testing::Values(TortureCase{"Events", &makeEvent, &useEvent},
                                          TortureCase{"Mutexes", &makeMutex, &useMutex},

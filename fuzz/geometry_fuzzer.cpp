@@ -1,6 +1,7 @@
 // Buffers of any shape through sizes, accessors, ranges, copies and transforms. A buffer lies in a heap
 // block of just its size.
 #include "fuzz/shapes.h"
+#include "tests/support/transform_model.h"
 #include "vexakit/geometry.h"
 #include "vexakit/transform.h"
 
@@ -11,13 +12,46 @@ namespace vexa::fuzz {
 
 namespace {
 
-bool isSame(double one, double other) {
-    return std::bit_cast<std::uint64_t>(one) == std::bit_cast<std::uint64_t>(other) ||
-           (one != one && other != other);
-}
+using test::isSame;
 
 bool isSame(const Point3d& one, const Point3d& other) {
     return isSame(one.x, other.x) && isSame(one.y, other.y) && isSame(one.z, other.z);
+}
+
+Paths transformed(Paths paths, const Transform& transform) {
+    for (Runs& runs : paths) {
+        for (Points& run : runs) run = test::modelApplied(transform, run);
+    }
+    return paths;
+}
+
+test::Words wordsOf(const test::Bytes& bytes) {
+    return test::wordsAt(bytes.data(), bytes.size());
+}
+
+// The words of the shape's buffer after the transform. Multipolygons have rules of their own.
+test::Words transformedWords(const Shape& shape, const Transform& transform) {
+    const test::Words before = wordsOf(bufferOf(shape));
+    if (shape.type == VEXA_MULTIPOLYGON) {
+        return test::MultiPolygonModel(before, transform).words();
+    }
+    Shape moved = shape;
+    moved.points = test::modelApplied(transform, moved.points);
+    for (Paths& paths : moved.parts) paths = transformed(paths, transform);
+    return wordsOf(bufferOf(moved));
+}
+
+// As bits; where these are not the same, they have to be two NaNs. Doubles start at even words.
+bool areSame(const test::Words& one, const test::Words& other) {
+    if (one.size() != other.size()) return false;
+    for (std::size_t i = 0; i + 1 < one.size(); i += 2) {
+        double a = 0;
+        double b = 0;
+        std::memcpy(&a, &one[i], sizeof a);
+        std::memcpy(&b, &other[i], sizeof b);
+        if (!isSame(a, b)) return false;
+    }
+    return true;
 }
 
 GeometryBuffer* cloneOf(const test::Bytes& bytes, std::size_t size) {
@@ -81,6 +115,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     Transform transform{};
     for (double& element : transform.m) element = takeCoordinate(input);
     vexaWKB_transformGeometry(&transform, geometry);
+    require(
+        areSame(vexa::test::wordsAt(geometry, bytes.size()), transformedWords(shape, transform)),
+        "each vertex is transformed as the formula says");
     std::uint32_t sizeAfterwards = 0;
     vexaWKB_calculateSize(geometry, &sizeAfterwards);
     require(sizeAfterwards == bufferSize, "a transform leaves the structure alone");

@@ -17,8 +17,13 @@ void compare(const Shape& first, const Shape& second, double tolerance, std::uin
                                   test::model::intersect(first, second, tolerance, before)};
     require(test::ask(first, second, tolerance, before) == expected, "the general entry");
 
+    // Of two geometries of one type the typed entry puts its own first, which may matter.
+    const bool isTurned = first.type == second.type;
+    const test::Asked turned = {VEXA_SUCCESS,
+                                test::model::intersect(second, first, tolerance, before)};
     const auto typed = test::kTypedEntries[second.type - 1];
-    require(test::ask(typed, first, second, tolerance, before) == expected, "the typed entry");
+    require(test::ask(typed, first, second, tolerance, before) == (isTurned ? turned : expected),
+            "the typed entry");
 
     for (const test::PairTest& pair : test::kPairTests) {
         if (pair.first != first.type || pair.second != second.type) continue;

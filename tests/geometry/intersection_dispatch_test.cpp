@@ -103,9 +103,9 @@ std::vector<Cell> allCells() {
 }
 
 INSTANTIATE_TEST_SUITE_P(EachPairOfTypes, IntersectGeometry, testing::ValuesIn(allCells()),
-                         [](const auto& info) {
-                             return std::to_string(info.param.first) + "With" +
-                                    std::to_string(info.param.second);
+                         [](const auto& row) {
+                             return std::to_string(row.param.first) + "With" +
+                                    std::to_string(row.param.second);
                          });
 
 constexpr std::uint32_t kUnknownTypes[] = {0, 7, 8, 9, 0x80000001, 0xFFFFFFFF};
@@ -145,6 +145,20 @@ TEST(IntersectGeometryTypes, TypedEntriesTakeTheSecondForTheirOwnTypeWhateverItS
             }
         }
     }
+}
+
+// The second argument is the typed one, and goes first. A ring of three points that are no triangle
+// has another plane than its neighbour, so that the order matters here.
+TEST(IntersectGeometryTypes, TypedEntriesPutTheirOwnFirstBeforeOneOfTheSameType) {
+    const Shape triangle = multipolygonShape({{{{{1, -3, 1}, {0, 0, 1}, {-3, -3, 1}}}}});
+    const Shape scattered = multipolygonShape({{{{{7.2, 7.2, 1}}, {{1, 1, 1}}, {{1, 0, 1}}}}});
+    ASSERT_EQ(ask(vexaWKB_intersectMultiPolygonMultiPolygon, triangle, scattered, 1), kHit);
+    ASSERT_EQ(ask(vexaWKB_intersectMultiPolygonMultiPolygon, scattered, triangle, 1), kMiss);
+
+    EXPECT_EQ(ask(triangle, scattered, 1), kHit);
+    EXPECT_EQ(ask(scattered, triangle, 1), kMiss);
+    EXPECT_EQ(ask(vexaWKB_intersectGeometryMultiPolygon, triangle, scattered, 1), kMiss);
+    EXPECT_EQ(ask(vexaWKB_intersectGeometryMultiPolygon, scattered, triangle, 1), kHit);
 }
 
 TEST(IntersectGeometryTypes, PairTestsLookAtNoTypeWord) {

@@ -109,12 +109,11 @@ Slot* takeFreedSlot() {
 Slot* takeSlotWithMutex() {
     if (Slot* const freed = takeFreedSlot()) return freed;
     Slot* const slot = takeSlot();
-    if (!slot || slot->hasMutex) return slot;
-
-    slot->hasMutex = slot->mutex.initialise(Sharing::Process);
-    if (slot->hasMutex) return slot;
-    giveSlotBack(*slot);
-    return nullptr;
+    if (slot && !slot->hasMutex) {
+        slot->mutex.initialise(Sharing::Process);
+        slot->hasMutex = true;
+    }
+    return slot;
 }
 
 void giveMutexSlotBack(Slot& slot) {
@@ -235,6 +234,7 @@ Handle createMapping(std::uint32_t size, const VexaWChar* name, SECURITY_ATTRIBU
 
     // Who else wants the memory waits: nobody can set the event for it before.
     const SharedFile::Gate gate(*eventSlot->file);
+    if (!gate) return nullptr;
     std::unique_ptr<SharedFile> file = open();
     if (file && file->isNew()) eventIn(*eventSlot->file).reset();
     return publishFile(std::move(file), ObjectKind::Mapping);

@@ -60,17 +60,17 @@ void MutexHolder::reset() noexcept {
     thread_.store(0, std::memory_order_relaxed);
 }
 
-bool MutexState::initialise(Sharing sharing) noexcept {
+// Nothing here can fail on Linux: the mutex is all in its memory, and the kernel is not asked.
+void MutexState::initialise(Sharing sharing) noexcept {
     const int sharedBy =
         sharing == Sharing::Machine ? PTHREAD_PROCESS_SHARED : PTHREAD_PROCESS_PRIVATE;
     pthread_mutexattr_t attributes;
-    if (pthread_mutexattr_init(&attributes) != 0) return false;
-    const bool isMade = pthread_mutexattr_settype(&attributes, PTHREAD_MUTEX_RECURSIVE) == 0 &&
-                        pthread_mutexattr_setrobust(&attributes, PTHREAD_MUTEX_ROBUST) == 0 &&
-                        pthread_mutexattr_setpshared(&attributes, sharedBy) == 0 &&
-                        pthread_mutex_init(&mutex, &attributes) == 0;
+    pthread_mutexattr_init(&attributes);
+    pthread_mutexattr_settype(&attributes, PTHREAD_MUTEX_RECURSIVE);
+    pthread_mutexattr_setrobust(&attributes, PTHREAD_MUTEX_ROBUST);
+    pthread_mutexattr_setpshared(&attributes, sharedBy);
+    pthread_mutex_init(&mutex, &attributes);
     pthread_mutexattr_destroy(&attributes);
-    return isMade;
 }
 
 WaitResult MutexState::wait(std::uint32_t milliseconds, MutexHolder& holder) noexcept {

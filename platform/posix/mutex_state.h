@@ -33,7 +33,7 @@ private:
 struct MutexState {
     pthread_mutex_t mutex;
 
-    bool initialise(Sharing sharing) noexcept;
+    void initialise(Sharing sharing) noexcept;
     WaitResult wait(std::uint32_t milliseconds, MutexHolder& holder) noexcept;
     /// Whether nobody holds it; an abandoned one is made so.
     bool isFree(const MutexHolder& holder) noexcept;

@@ -23,7 +23,8 @@ struct SharedMutex {
 bool initialise(void* memory, const void* /*how*/) noexcept {
     auto* const shared = std::construct_at(static_cast<SharedMutex*>(memory));
     shared->mark = kMark;
-    return shared->state.initialise(Sharing::Machine);
+    shared->state.initialise(Sharing::Machine);
+    return true;
 }
 
 }  // namespace

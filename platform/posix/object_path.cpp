@@ -29,9 +29,10 @@ std::size_t escapedSize(std::basic_string_view<VexaWChar> name) {
     return size;
 }
 
-unsigned long long pidNamespace() {
+std::optional<unsigned long long> pidNamespace() {
     struct stat space {};
-    return stat("/proc/self/ns/pid", &space) == 0 ? space.st_ino : 0;
+    if (stat("/proc/self/ns/pid", &space) != 0) return std::nullopt;
+    return space.st_ino;
 }
 
 // FNV-1a of 128 bits, as Fowler, Noll and Vo give its numbers.
@@ -82,11 +83,14 @@ void ObjectPath::addEscaped(VexaWChar unit) noexcept {
 
 std::optional<ObjectPath> ObjectPath::ofName(std::basic_string_view<VexaWChar> name) noexcept {
     if (std::find(name.begin(), name.end(), VexaWChar{'\\'}) != name.end()) return std::nullopt;
+    // A name without its namespace would be another object's.
+    const std::optional<unsigned long long> space = pidNamespace();
+    if (!space) return std::nullopt;
 
     ObjectPath path;
     path.add(kSharedMemoryFolder);
     path.add("/vexakit-");
-    path.addHex(pidNamespace(), 16);
+    path.addHex(*space, 16);
     path.add('-');
 
     const bool isLong = escapedSize(name) > kLongestEscaped;

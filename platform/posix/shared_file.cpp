@@ -108,6 +108,7 @@ SharedFile::Outcome SharedFile::openExisting(const Start& start) noexcept {
 SharedFile::Outcome SharedFile::create(const Start& start) noexcept {
     constexpr mode_t kUntilItIsReady = 0600;
     file_ = ::open(kSharedMemoryFolder, O_TMPFILE | O_RDWR | O_CLOEXEC, kUntilItIsReady);
+    if (file_ < 0 && errno == EINTR) return Outcome::Again;
     if (file_ < 0 || !remember() || !becomeUser(file_) || !fill(start)) return Outcome::Impossible;
 
     const auto source = pathOfOpenFile(file_);
@@ -119,7 +120,8 @@ SharedFile::Outcome SharedFile::create(const Start& start) noexcept {
 
 SharedFile::Outcome SharedFile::join(const Start& start) noexcept {
     if (becomeOnlyUser(file_)) return replaceLeftover(start);
-    if (!becomeUser(file_)) return Outcome::Impossible;
+    const bool isInUse = errno == EAGAIN || errno == EACCES;
+    if (!isInUse || !becomeUser(file_)) return Outcome::Impossible;
 
     // A file of another size is none of ours, and one with holes may find no memory for them: touching
     // what is missing would end the process.

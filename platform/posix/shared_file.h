@@ -49,6 +49,7 @@ public:
         Gate(const Gate&) = delete;
         Gate& operator=(const Gate&) = delete;
         ~Gate();
+        explicit operator bool() const noexcept { return file_ >= 0; }
 
     private:
         int file_;

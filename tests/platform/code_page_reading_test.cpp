@@ -72,11 +72,11 @@ const ReadCase kReadCases[] = {
     {"Utf8CutOff", 65001, "a\xF0\x9F\x98", {'a', 0xFFFD}},
 };
 INSTANTIATE_TEST_SUITE_P(Table, CodePageToWide, testing::ValuesIn(kReadCases),
-                         [](const auto& info) { return info.param.name; });
+                         [](const auto& row) { return row.param.name; });
 
 class EveryPageRead : public testing::TestWithParam<unsigned> {};
 INSTANTIATE_TEST_SUITE_P(Table, EveryPageRead, testing::ValuesIn(kAllCodePages),
-                         [](const auto& info) { return std::to_string(info.param); });
+                         [](const auto& row) { return std::to_string(row.param); });
 
 // A page may have a character at several codes: it is written at one of them, and read alike.
 TEST_P(EveryPageRead, ReadsWhatItWroteOfWhatItRead) {

@@ -101,11 +101,11 @@ const PageCase kPageCases[] = {
     {"Utf8SurrogatesInWrongOrder", 65001, units(0xDE00, 0xD83D), "\xEF\xBF\xBD\xEF\xBF\xBD"},
 };
 INSTANTIATE_TEST_SUITE_P(Table, WideToCodePage, testing::ValuesIn(kPageCases),
-                         [](const auto& info) { return info.param.name; });
+                         [](const auto& row) { return row.param.name; });
 
 class EveryCodePage : public testing::TestWithParam<unsigned> {};
 INSTANTIATE_TEST_SUITE_P(Table, EveryCodePage, testing::ValuesIn(kAllCodePages),
-                         [](const auto& info) { return std::to_string(info.param); });
+                         [](const auto& row) { return std::to_string(row.param); });
 
 // Units of one, two, three and (as a pair) four bytes, and runs of ASCII of several lengths.
 WideString mixedText() {

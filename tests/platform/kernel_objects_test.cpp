@@ -67,7 +67,7 @@ INSTANTIATE_TEST_SUITE_P(Table, GarbageHandle,
                                          GarbageCase{"LastIndex", 0xFFFFF0},
                                          GarbageCase{"HighBits", 0x0ABC000000000000},
                                          GarbageCase{"MostBits", 0x7FFFFFFFFFFFFFF0}),
-                         [](const auto& info) { return info.param.name; });
+                         [](const auto& row) { return row.param.name; });
 
 TEST_P(GarbageHandle, FailsAndIsNotFollowed) {
     const OwnHandle open{
@@ -107,7 +107,7 @@ constexpr KindCase kKinds[] = {
 
 class ObjectOfKind : public testing::TestWithParam<KindCase> {};
 INSTANTIATE_TEST_SUITE_P(Table, ObjectOfKind, testing::ValuesIn(kKinds),
-                         [](const auto& info) { return info.param.name; });
+                         [](const auto& row) { return row.param.name; });
 
 TEST_P(ObjectOfKind, FailsOnceItIsClosed) {
     const Handle handle = GetParam().make(newObjectName().c_str());

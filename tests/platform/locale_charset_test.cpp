@@ -140,7 +140,7 @@ constexpr LocaleCase kLocaleCases[] = {
     {"Tis620", "th_TH.TIS-620", 874},
 };
 INSTANTIATE_TEST_SUITE_P(Table, CodePageOfCharset, testing::ValuesIn(kLocaleCases),
-                         [](const auto& info) { return info.param.name; });
+                         [](const auto& row) { return row.param.name; });
 
 }  // namespace
 

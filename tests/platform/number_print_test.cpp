@@ -91,7 +91,7 @@ constexpr NumberCase kNumbers[] = {
 };
 
 INSTANTIATE_TEST_SUITE_P(Table, PrintedNumber, testing::ValuesIn(kNumbers),
-                         [](const auto& info) { return std::string(info.param.name); });
+                         [](const auto& row) { return std::string(row.param.name); });
 
 TEST(PrintGeneral, PrintsRandomBitsAsTheRuntime) {
     const std::uint64_t seed = std::random_device()();

@@ -20,6 +20,7 @@ struct Counters {
 Counters counters;
 std::atomic<bool> isWatching{false};
 std::thread::id watcher;
+std::atomic<bool> areNewsCounted{false};
 
 // Requests to operator new before the one that is refused; 0 when none is to be.
 std::atomic<int> newsLeft{0};
@@ -27,6 +28,10 @@ std::atomic<bool> isNewRefused{false};
 
 bool isWatched() {
     return isWatching.load(std::memory_order_acquire) && watcher == std::this_thread::get_id();
+}
+
+bool isNewCounted() {
+    return areNewsCounted.load(std::memory_order_acquire) && isWatched();
 }
 
 // Whether the request that is being made is to be met.
@@ -90,9 +95,16 @@ void* newBlock(std::size_t bytes) {
         isNewRefused = true;
         throw std::bad_alloc{};
     }
+    const bool isCounted = isNewCounted();
+    if (isCounted && !isMet()) throw std::bad_alloc{};
     void* const block = __real_malloc(bytes == 0 ? 1 : bytes);
     if (!block) throw std::bad_alloc{};
-    return block;
+    return isCounted ? counted(block, bytes, 1) : block;
+}
+
+void deleteBlock(void* block) {
+    if (block && isNewCounted()) --counters.blocks;
+    __real_free(block);
 }
 
 }  // namespace
@@ -116,23 +128,23 @@ void* operator new(std::size_t bytes, std::align_val_t alignment) {
     return newBlock(bytes);
 }
 void operator delete(void* block, std::align_val_t) noexcept {
-    __real_free(block);
+    deleteBlock(block);
 }
 void operator delete(void* block, std::size_t, std::align_val_t) noexcept {
-    __real_free(block);
+    deleteBlock(block);
 }
 
 void operator delete(void* block) noexcept {
-    __real_free(block);
+    deleteBlock(block);
 }
 void operator delete[](void* block) noexcept {
-    __real_free(block);
+    deleteBlock(block);
 }
 void operator delete(void* block, std::size_t) noexcept {
-    __real_free(block);
+    deleteBlock(block);
 }
 void operator delete[](void* block, std::size_t) noexcept {
-    __real_free(block);
+    deleteBlock(block);
 }
 
 namespace vexa::test {
@@ -179,6 +191,14 @@ AllocationFailure::AllocationFailure(int nth) {
 
 bool AllocationFailure::happened() const {
     return counters.refused > 0;
+}
+
+HeapFailure::HeapFailure(int nth) : AllocationFailure(nth) {
+    areNewsCounted.store(true, std::memory_order_release);
+}
+
+HeapFailure::~HeapFailure() {
+    areNewsCounted.store(false, std::memory_order_release);
 }
 
 }  // namespace vexa::test

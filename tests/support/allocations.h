@@ -42,4 +42,14 @@ public:
     [[nodiscard]] bool happened() const;
 };
 
+/// Refuses the n-th request of either kind, counted from 1, and no other: `malloc` and its kin with
+/// null, `operator new` with std::bad_alloc. Requests and blocks are those of both. 0 refuses none.
+class HeapFailure : public AllocationFailure {
+public:
+    explicit HeapFailure(int nth);
+    HeapFailure(const HeapFailure&) = delete;
+    HeapFailure& operator=(const HeapFailure&) = delete;
+    ~HeapFailure();
+};
+
 }  // namespace vexa::test

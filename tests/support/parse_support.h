@@ -159,6 +159,6 @@ constexpr bool kIsSlowBuild = false;
 // ---- Tables ------------------------------------------------------------------------------------
 
 /// A named row of a table.
-constexpr auto kRowName = [](const auto& info) { return std::string{info.param.name}; };
+constexpr auto kRowName = [](const auto& row) { return std::string{row.param.name}; };
 
 }  // namespace vexa::test

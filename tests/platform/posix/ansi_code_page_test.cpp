@@ -97,7 +97,7 @@ constexpr EnvironmentCase kEnvironmentCases[] = {
     {"AllBeforeCtype", "LC_ALL=zh_CN.GBK LC_CTYPE=ru_RU.KOI8-R", "A8A6"},
 };
 INSTANTIATE_TEST_SUITE_P(Table, AnsiCodePage, testing::ValuesIn(kEnvironmentCases),
-                         [](const auto& info) { return info.param.name; });
+                         [](const auto& row) { return row.param.name; });
 
 // Gigabytes of address space, which one short file fills over and over; then comes a zero.
 class RepeatedUnits {

@@ -126,7 +126,7 @@ INSTANTIATE_TEST_SUITE_P(Table, HandleTorture,
                                          TortureCase{"UnmappedMappings", &makeMapping,
                                                      &useAndUnmap},
                                          TortureCase{"AllKinds", &makeAny, &useAny}),
-                         [](const auto& info) { return info.param.name; });
+                         [](const auto& row) { return row.param.name; });
 
 TEST_P(HandleTorture, LeavesEachHandleOneEndAndTheTableInOrder) {
     std::array<std::atomic<Handle>, kBoardSize> board{};

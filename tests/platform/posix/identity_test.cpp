@@ -3,6 +3,7 @@
 #include "tests/platform/posix/child_process.h"
 
 #include <cctype>
+#include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <fstream>
@@ -99,7 +100,7 @@ std::uint32_t listedProcessors() {
 bool narrowMaskToOneProcessor() {
     cpu_set_t mask;
     if (sched_getaffinity(0, sizeof mask, &mask) != 0) return false;
-    int first = 0;
+    std::size_t first = 0;
     while (first < CPU_SETSIZE && !CPU_ISSET(first, &mask)) ++first;
     CPU_ZERO(&mask);
     CPU_SET(first, &mask);

@@ -68,7 +68,7 @@ const EscapeCase kEscapeCases[] = {
     {"ZeroInTheMiddle", {'a', 0, 'b'}, "a%0000b"},
 };
 INSTANTIATE_TEST_SUITE_P(Table, ObjectPathEscape, testing::ValuesIn(kEscapeCases),
-                         [](const auto& info) { return info.param.name; });
+                         [](const auto& row) { return row.param.name; });
 
 TEST(ObjectPath, LiesInTheFolderOfSharedMemory) {
     const std::string path = pathOf(wide("name"));

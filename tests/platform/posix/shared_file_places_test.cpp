@@ -87,7 +87,7 @@ INSTANTIATE_TEST_SUITE_P(
         PlantedCase{"LinkToItself", [](const char* path) { EXPECT_EQ(symlink(path, path), 0); }},
         PlantedCase{"LinkToAFolder",
                     [](const char* path) { EXPECT_EQ(symlink("/dev/shm", path), 0); }}),
-    [](const auto& info) { return info.param.name; });
+    [](const auto& row) { return row.param.name; });
 
 TEST_P(PlantedObject, GivesNoObjectAndStays) {
     const OwnPath path;
@@ -153,7 +153,7 @@ INSTANTIATE_TEST_SUITE_P(
                     LeftoverCase{"Long", std::string(5000, '\xEE'), 5000},
                     LeftoverCase{"Sparse", "", kBlockSize},
                     LeftoverCase{"SparseAndLong", "", off_t{1} << 40}),
-    [](const auto& info) { return info.param.name; });
+    [](const auto& row) { return row.param.name; });
 
 TEST_P(LeftoverFile, IsMadeNewAndNotTrusted) {
     const OwnPath path;
@@ -218,7 +218,7 @@ protected:
 INSTANTIATE_TEST_SUITE_P(Table, StrangersObject,
                          testing::Values(ObjectCase{"Event", &makeEvent},
                                          ObjectCase{"Mutex", &makeMutex}),
-                         [](const auto& info) { return info.param.name; });
+                         [](const auto& row) { return row.param.name; });
 
 TEST_P(StrangersObject, OfGarbageIsNone) {
     ASSERT_GT(size_, 0);

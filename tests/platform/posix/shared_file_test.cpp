@@ -188,7 +188,7 @@ INSTANTIATE_TEST_SUITE_P(Table, SharedFileMode,
                                          ModeCase{"NoMask", 0, 0600, 0600},
                                          ModeCase{"OfTheGroup", 0077, 0660, 0660},
                                          ModeCase{"BeyondPermissions", 0, 07666, 0666}),
-                         [](const auto& info) { return info.param.name; });
+                         [](const auto& row) { return row.param.name; });
 
 TEST_P(SharedFileMode, IsAsAskedForWhateverTheMask) {
     const OwnPath path;

@@ -25,7 +25,7 @@ auto toSystemPage(unsigned number) {
 
 class SystemsCodePage : public testing::TestWithParam<unsigned> {};
 INSTANTIATE_TEST_SUITE_P(Table, SystemsCodePage, testing::ValuesIn(kAllCodePages),
-                         [](const auto& info) { return std::to_string(info.param); });
+                         [](const auto& row) { return std::to_string(row.param); });
 
 TEST_P(SystemsCodePage, ConvertsEveryUnitAlike) {
     unsigned differing = 0;

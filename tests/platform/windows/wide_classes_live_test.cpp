@@ -24,7 +24,7 @@ class RuntimesWideClass : public testing::TestWithParam<ClassCase> {};
 INSTANTIATE_TEST_SUITE_P(Table, RuntimesWideClass,
                          testing::Values(ClassCase{"Space", &platform::isSpaceUnit, &iswspace},
                                          ClassCase{"Control", &platform::isControlUnit, &iswcntrl}),
-                         [](const auto& info) { return info.param.name; });
+                         [](const auto& row) { return row.param.name; });
 
 TEST_P(RuntimesWideClass, HasTheSameUnits) {
     unsigned differing = 0;

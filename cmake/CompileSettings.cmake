@@ -5,8 +5,10 @@ add_library(vexakit_settings INTERFACE)
 target_compile_options(vexakit_settings INTERFACE
     # Formulas give the same bits on every target and at every vector width.
     -ffp-contract=off
-    -Wall -Wextra -Wpedantic -Wconversion -Wcast-qual -Wundef
-    $<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor -Woverloaded-virtual>
+    -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow -Wcast-qual -Wundef
+    -Wdouble-promotion -Wformat=2 -Wno-format-nonliteral -Wmissing-declarations
+    $<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor -Woverloaded-virtual -Wold-style-cast -Wextra-semi>
+    $<$<CXX_COMPILER_ID:GNU>:-Wlogical-op -Wduplicated-cond -Wduplicated-branches>
     # Every field that a braced list leaves out has a default.
     $<$<COMPILE_LANGUAGE:CXX>:-Wno-missing-field-initializers>)
 

@@ -108,8 +108,6 @@ target_include_directories(vexakit_objects PUBLIC
 target_compile_definitions(vexakit_objects PRIVATE VEXAKIT_BUILDING)
 target_link_libraries(vexakit_objects PRIVATE vexakit_settings)
 target_compile_options(vexakit_objects PRIVATE
-    # Not for the tests: the macros of GoogleTest shadow.
-    -Wshadow
     # A second name of a function does not inherit what the compiler found out about the first.
     $<$<CXX_COMPILER_ID:GNU>:-Wno-missing-attributes>)
 

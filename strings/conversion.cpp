@@ -9,7 +9,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <limits>
-#include <memory>
 
 using namespace vexa;
 
@@ -20,15 +19,9 @@ constexpr int kToTerminator = -1;
 template <typename From, typename To>
 using Conversion = int (*)(const From* source, int length, To* out, int room) noexcept;
 
-struct FreeBlock {
-    void operator()(void* block) const noexcept { std::free(block); }
-};
 template <typename Element>
-using Block = std::unique_ptr<Element, FreeBlock>;
-
-template <typename Element>
-Block<Element> allocate(std::size_t count) {
-    return Block<Element>{static_cast<Element*>(std::malloc(count * sizeof(Element)))};
+Element* allocate(std::size_t count) {
+    return static_cast<Element*>(std::malloc(count * sizeof(Element)));
 }
 
 int clamped(size_t length) {
@@ -61,14 +54,13 @@ size_t convertedSize(const From* source, Conversion<From, To> convert) {
 
 // The whole text of `size` characters in a new block that is `spare` characters longer; these are 0.
 template <typename From, typename To>
-Block<To> convertedBlock(const From* source, size_t size, size_t spare,
-                         Conversion<From, To> convert) {
-    Block<To> block = allocate<To>(size + spare);
+To* convertedBlock(const From* source, size_t size, size_t spare, Conversion<From, To> convert) {
+    To* const block = allocate<To>(size + spare);
     if (!block) return nullptr;
 
-    const int room = static_cast<int>(size);
-    if (size > 0 && convert(source, kToTerminator, block.get(), room) == 0) return nullptr;
-    std::fill_n(block.get() + size, spare, To{0});
+    const int written =
+        size == 0 ? 0 : convert(source, kToTerminator, block, static_cast<int>(size));
+    std::fill(block + written, block + size + spare, To{0});
     return block;
 }
 
@@ -77,9 +69,9 @@ template <typename From, typename To>
 uint32_t convertAnsi(const From* source, To** result, Conversion<From, To> convert) {
     if (!source || !result) return VEXA_FAILURE;
 
-    Block<To> text = convertedBlock(source, convertedSize(source, convert), 1, convert);
+    To* const text = convertedBlock(source, convertedSize(source, convert), 1, convert);
     if (!text) return VEXA_FAILURE;
-    *result = text.release();
+    *result = text;
     return VEXA_SUCCESS;
 }
 
@@ -90,7 +82,7 @@ uint32_t convertUtf8(const From* source, To** result, size_t spare, Conversion<F
 
     *result = nullptr;
     const size_t size = convertedSize(source, convert);
-    if (size > 0) *result = convertedBlock(source, size, spare, convert).release();
+    if (size > 0) *result = convertedBlock(source, size, spare, convert);
     return *result ? VEXA_SUCCESS : VEXA_FAILURE;
 }
 
@@ -104,15 +96,14 @@ uint32_t convertEach(const From* const* source, int32_t count, To*** result,
 
     const auto strings = static_cast<std::size_t>(count);
     // A block of no bytes may be null.
-    Block<To*> array = allocate<To*>(std::max<std::size_t>(strings, 1));
+    To** const array = allocate<To*>(std::max<std::size_t>(strings, 1));
     if (!array) return VEXA_FAILURE;
 
     for (std::size_t i = 0; i < strings; ++i) {
-        To*& converted = array.get()[i];
-        converted = nullptr;
-        convert(source[i], &converted);
+        array[i] = nullptr;
+        convert(source[i], &array[i]);
     }
-    *result = array.release();
+    *result = array;
     return VEXA_SUCCESS;
 }
 
@@ -192,10 +183,10 @@ uint32_t stringCnv_tcsToWcsAlloc(const VexaWChar* source, VexaWChar** result) {
     if (!source || !result) return VEXA_FAILURE;
 
     const size_t size = platform::wideLength(source) + 1;
-    Block<VexaWChar> text = allocate<VexaWChar>(size);
+    VexaWChar* const text = allocate<VexaWChar>(size);
     if (!text) return VEXA_FAILURE;
-    std::memcpy(text.get(), source, size * sizeof(VexaWChar));
-    *result = text.release();
+    std::memcpy(text, source, size * sizeof(VexaWChar));
+    *result = text;
     return VEXA_SUCCESS;
 }
 

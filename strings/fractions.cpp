@@ -126,7 +126,7 @@ uint32_t convertDouble(double value, Character* result) {
 
 template <typename Character>
 uint32_t convertFloat(float value, Character* result) {
-    if (!result || !isWholeInRange(value)) return VEXA_FAILURE;
+    if (!result || !isWholeInRange(static_cast<double>(value))) return VEXA_FAILURE;
 
     NumberText text;
     addFloat(value, text);

@@ -137,10 +137,9 @@ Segments segmentsOf(const Paths& paths, std::pmr::memory_resource* memory) {
 }
 
 bool firstRunHasSegment(const Paths& paths) {
-    for (const Path& path : paths) {
-        return path.runCount != 0 && after<PointRun>(path)->pointCount > 1;
-    }
-    return false;
+    if (paths.size() == 0) return false;
+    const Path& first = *paths.begin();
+    return first.runCount != 0 && after<PointRun>(first)->pointCount > 1;
 }
 
 bool anyPointNearSegment(const Points& points, const Segments& segments, double tolerance,

@@ -37,6 +37,7 @@ public:
         return sum <= kSlack * extent_ * std::sqrt(count);
     }
 
+    /// For elements whose order is not kept, which are not all in one place.
     template <class Element, class BoxOfElement>
     void sort(std::pmr::vector<Element>& elements, const BoxOfElement& boxOfElement) const {
         struct Keyed {
@@ -73,7 +74,7 @@ private:
     }
 
     std::uint64_t cellOf(double value, double low) const {
-        const double cell = extent_ > 0 ? (value - low) / extent_ * (kCells - 1) : 0;
+        const double cell = (value - low) / extent_ * (kCells - 1);
         return static_cast<std::uint64_t>(std::clamp(cell, 0.0, kCells - 1));
     }
 

@@ -108,7 +108,7 @@ TEST_P(PointNearSegmentTable, MeasuresToTheClosestPlace) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Table, PointNearSegmentTable, testing::ValuesIn(kPointCases),
-                         [](const auto& info) { return std::string(info.param.name); });
+                         [](const auto& row) { return std::string(row.param.name); });
 
 TEST(PointNearSegment, MeasuresToTheStartOfASegmentOfNoLength) {
     EXPECT_TRUE(PointNearSegment({3, 4, 0}, {0, 0, 0}, {0, 0, 0}, 5));
@@ -167,7 +167,7 @@ TEST_P(SegmentsNearTable, MeasuresBetweenTheClampedClosestPlacesOfTheLines) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Table, SegmentsNearTable, testing::ValuesIn(kSegmentCases),
-                         [](const auto& info) { return std::string(info.param.name); });
+                         [](const auto& row) { return std::string(row.param.name); });
 
 TEST(SegmentsNear, TakesLinesAtAnAngleOfTwoMillionthsForParallel) {
     const auto crossesAt = [](double angle) {

@@ -97,6 +97,22 @@ TEST(IntersectGrowth, PointsBesideALine) {
     EXPECT_EQ(ask(multipointShape(points), asMulti(zigzagged), 0.11), kHit);
 }
 
+/// In no order that would help: what follows in the buffer is far away.
+TEST(IntersectGrowth, ScatteredPointsAmongScatteredLines) {
+    constexpr std::size_t kSide = 1'000;
+    Points points;
+    Paths lines;
+    for (std::size_t i = 0; i < kMany; ++i) {
+        const std::size_t place = i * 7919 % kMany;
+        const Point3d corner = {at(place % kSide), at(place / kSide), at(i % 3)};
+        points.push_back({corner.x + 0.5, corner.y + 0.5, corner.z});
+        lines.push_back({{corner, {corner.x + 0.25, corner.y + 0.25, corner.z}}});
+    }
+    EXPECT_EQ(ask(multipointShape(points), multilineShape(lines), 0.2), kMiss);
+    points[kMany / 3] = lines[kMany / 2].front().front();
+    EXPECT_EQ(ask(multipointShape(points), multilineShape(lines), 0.2), kHit);
+}
+
 TEST(IntersectGrowth, PointsBesidePoints) {
     Points one;
     Points other;

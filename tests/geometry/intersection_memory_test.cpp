@@ -87,7 +87,7 @@ constexpr MemoryCase kCases[] = {
     {"PolygonsAndPolygons", vexaWKB_createMultiPolygon, vexaWKB_createMultiPolygon, 0x8000},
 };
 INSTANTIATE_TEST_SUITE_P(Table, IntersectionMemory, testing::ValuesIn(kCases),
-                         [](const auto& info) { return info.param.name; });
+                         [](const auto& row) { return row.param.name; });
 
 // Points are compared one by one where there is no memory to sort them in.
 TEST(IntersectMultiPointMultiPoint, NeedsNoMemory) {

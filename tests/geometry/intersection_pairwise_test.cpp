@@ -70,6 +70,18 @@ TEST(IntersectRanges, OfEmptyListsOverlapNothing) {
     }
 }
 
+// The empty range lies between infinities, and so does a line from end to end of the world.
+TEST(IntersectRanges, OfAnEmptyListIsOverlappedByAnInfiniteLine) {
+    const Shape endless = lineShape({{{-kInf, -kInf, -kInf}, {kInf, kInf, kInf}}});
+    const Shape nothing = multilineShape({});
+    for (const std::uint32_t before : {0U, 1U, 2U}) {
+        const Asked untouched = {0, before};
+        ASSERT_EQ(model::intersect(endless, nothing, 1, before), before);
+        EXPECT_EQ(ask(endless, nothing, 1, before), untouched);
+        EXPECT_EQ(ask(nothing, endless, 1, before), untouched);
+    }
+}
+
 TEST(IntersectRanges, WithANaNOverlapNothing) {
     EXPECT_EQ(ask(pointShape({kNaN, 0, 0}), pointShape({kNaN, 0, 0}), 1, 7), kMiss);
     EXPECT_EQ(ask(multipointShape({{0, 0, 0}, {1, 1, kNaN}}), pointShape({0, 0, 0}), 1, 7), kMiss);

@@ -90,7 +90,7 @@ TEST_P(IntersectGeometryAtRandom, LeavesTheFlagOfThePlainWalk) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Families, IntersectGeometryAtRandom, testing::ValuesIn(kFamilies),
-                         [](const auto& info) { return std::string(info.param.name); });
+                         [](const auto& row) { return std::string(row.param.name); });
 
 }  // namespace
 }  // namespace vexa::test

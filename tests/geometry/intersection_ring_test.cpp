@@ -165,7 +165,7 @@ TEST_P(ClassifyPointInRingTable, NeedsNoRepeatOfTheFirstVertex) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Table, ClassifyPointInRingTable, testing::ValuesIn(kClassifyCases),
-                         [](const auto& info) { return std::string(info.param.name); });
+                         [](const auto& row) { return std::string(row.param.name); });
 
 TEST(ClassifyPointInRing, ComparesWithTheOnlyPoint) {
     const Points ring = {{1, 2, 3}};

@@ -40,7 +40,7 @@ INSTANTIATE_TEST_SUITE_P(
                     std::pair{"stringCnv_tcsToWcs", "stringCnv_wcsToTcs"},
                     std::pair{"stringCnv_tcsToWcsAlloc", "stringCnv_wcsToTcsAlloc"},
                     std::pair{"vexaWKB_transformPolygon", "vexaWKB_transformMultiLine"}),
-    [](const auto& info) { return std::string{info.param.second}; });
+    [](const auto& row) { return std::string{row.param.second}; });
 
 // Keeps the program linked to the library, and shows that a call through it arrives.
 TEST(Library, AnswersThroughItsExportedNames) {

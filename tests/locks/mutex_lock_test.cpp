@@ -40,7 +40,7 @@ protected:
 };
 
 INSTANTIATE_TEST_SUITE_P(Kinds, MutexLockOfEitherKind, testing::Bool(),
-                         [](const auto& info) { return info.param ? "Named" : "Unnamed"; });
+                         [](const auto& row) { return row.param ? "Named" : "Unnamed"; });
 
 TEST_P(MutexLockOfEitherKind, IsFreeAtFirst) {
     EXPECT_TRUE(isFreeForOthers(lock));

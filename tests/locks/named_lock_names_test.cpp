@@ -117,12 +117,12 @@ TYPED_TEST(NamedLockNames, OfRandomUnitsAreAllDifferent) {
     std::vector<WideString> names;
     for (int i = 0; i < 40; ++i) {
         // The first unit is different in all.
-        WideString name = this->wideName + static_cast<VexaWChar>(0x100 + i);
+        WideString candidate = this->wideName + static_cast<VexaWChar>(0x100 + i);
         for (auto left = random() % 60; left > 0; --left) {
             const auto unit = static_cast<VexaWChar>(random() % 0xFFFF + 1);
-            if (unit != '\\') name += unit;
+            if (unit != '\\') candidate += unit;
         }
-        names.push_back(name);
+        names.push_back(candidate);
     }
     expectAllDifferent<TypeParam>(names);
 }
@@ -163,9 +163,9 @@ TYPED_TEST(NamedLockNames, BelongToOneKindOfLock) {
 }
 
 TYPED_TEST(NamedLockNames, AreReadAndNotKept) {
-    WideString name = this->wideName + wide("kept");
-    const auto lock = makeLock<TypeParam>(name);
-    name.assign(name.size(), VexaWChar{'x'});
+    WideString passed = this->wideName + wide("kept");
+    const auto lock = makeLock<TypeParam>(passed);
+    passed.assign(passed.size(), VexaWChar{'x'});
 
     EXPECT_TRUE(areOne(*lock, *this->lockOf(wide("kept"))));
 }

@@ -33,7 +33,7 @@ protected:
 };
 
 INSTANTIATE_TEST_SUITE_P(Kinds, LockOfProcesses, testing::Values("mutex", "interprocess"),
-                         [](const auto& info) { return std::string{info.param}; });
+                         [](const auto& row) { return std::string{row.param}; });
 
 TEST_P(LockOfProcesses, IsHeldByOneOfThem) {
     EXPECT_EQ(first.ask("try"), "yes");
@@ -295,7 +295,7 @@ protected:
 };
 
 INSTANTIATE_TEST_SUITE_P(Kinds, LockOfCountingProcesses, testing::Values("mutex", "interprocess"),
-                         [](const auto& info) { return std::string{info.param}; });
+                         [](const auto& row) { return std::string{row.param}; });
 
 TEST_P(LockOfCountingProcesses, LosesNoCount) {
     EXPECT_EQ(countedByAll(GetParam(), wideName, "count 1 300", file.path()), kProcesses * 300U);

@@ -236,7 +236,7 @@ INSTANTIATE_TEST_SUITE_P(Table, RwLockOtherMode,
                          testing::Values(2, -1, 3, 256, 0x10000, 0x10001,
                                          std::numeric_limits<std::int32_t>::max(),
                                          std::numeric_limits<std::int32_t>::min()),
-                         [](const auto& info) { return "Row" + std::to_string(info.index); });
+                         [](const auto& row) { return "Row" + std::to_string(row.index); });
 
 TEST(RwLockRelease, ToReadFailsWhereNobodyReads) {
     const FlatLock lock;

@@ -344,7 +344,7 @@ TEST_P(RWLockMode, OtherThanZeroIsToRead) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Table, RWLockMode, testing::Values(1, 2, -1, 256, 0x10000, 0x7FFFFFFF),
-                         [](const auto& info) { return "Row" + std::to_string(info.index); });
+                         [](const auto& row) { return "Row" + std::to_string(row.index); });
 
 TEST(RWLock, NeedsNoMemoryOnceItIsInitialised) {
     ReadyLock lock;

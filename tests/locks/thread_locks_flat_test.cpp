@@ -248,7 +248,7 @@ TEST_P(ThreadLockBadId, IsThrownThroughTheFlatFunctions) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Table, ThreadLockBadId, testing::ValuesIn(kBadIds),
-                         [](const auto& info) { return info.param.name; });
+                         [](const auto& row) { return row.param.name; });
 
 // A declaration that promised not to throw would end the program.
 static_assert(!noexcept(threadLock_lock(nullptr, 0)) && !noexcept(threadLock_unlock(nullptr, 0)));

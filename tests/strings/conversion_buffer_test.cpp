@@ -27,8 +27,8 @@ struct BufferForm {
 };
 
 template <class Form>
-std::string nameOf(const testing::TestParamInfo<Form>& info) {
-    return info.param.name;
+std::string nameOf(const testing::TestParamInfo<Form>& row) {
+    return row.param.name;
 }
 
 using MbsForm = BufferForm<char, VexaWChar>;
@@ -332,9 +332,7 @@ TEST_P(BufferCopy, CopiesAnEmptyText) {
 
 INSTANTIATE_TEST_SUITE_P(Functions, BufferCopy,
                          testing::Values(&stringCnv_tcsToWcs, &stringCnv_wcsToTcs),
-                         [](const auto& info) {
-                             return info.index == 0 ? "tcsToWcs" : "wcsToTcs";
-                         });
+                         [](const auto& row) { return row.index == 0 ? "tcsToWcs" : "wcsToTcs"; });
 
 }  // namespace
 

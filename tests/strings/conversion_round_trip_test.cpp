@@ -202,7 +202,7 @@ TEST_P(IllFormedUtf8, BehindAnyNumberOfOtherCharacters) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Table, IllFormedUtf8, testing::ValuesIn(kIllFormedCases),
-                         [](const auto& info) { return info.param.name; });
+                         [](const auto& row) { return row.param.name; });
 
 TEST(LoneSurrogates, EachBecomesOneReplacementCharacter) {
     const std::string replaced = "\xEF\xBF\xBD";

@@ -85,7 +85,7 @@ TEST_P(WcsToUtf8, ConvertsAsManyUnitsAsTheLengthLessOne) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Table, WcsToUtf8, testing::ValuesIn(kToUtf8Cases),
-                         [](const auto& info) { return info.param.name; });
+                         [](const auto& row) { return row.param.name; });
 
 TEST(WcsToUtf8Buffer, RefusesNullPointersAndALengthOfZero) {
     const WideString source = wide("a");
@@ -174,7 +174,7 @@ TEST_P(Utf8ToWcs, ConvertsAsManyBytesAsTheLengthLessOne) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Table, Utf8ToWcs, testing::ValuesIn(kFromUtf8Cases),
-                         [](const auto& info) { return info.param.name; });
+                         [](const auto& row) { return row.param.name; });
 
 TEST(Utf8ToWcsBuffer, RefusesNullPointersAndALengthOfZero) {
     GuardedRoom<VexaWChar> room(4);

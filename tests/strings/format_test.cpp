@@ -7,6 +7,7 @@
 #include <climits>
 #include <cstddef>
 #include <cstdint>
+#include <cstdio>
 #include <ostream>
 #include <string>
 #include <string_view>
@@ -48,6 +49,19 @@ TEST_P(StringSafeSprintf, PrintsNarrow) {
 TEST_P(StringSafeSprintf, PrintsWide) {
     EXPECT_EQ(printedBy<WidePrint>(), GetParam().expected);
 }
+
+#ifndef _WIN32
+// Not on Windows, where the compilers and the runtime do not agree on what a long double is.
+TEST(StringSafeSprintfOfLongDoubles, PrintsAllTheirDigits) {
+    constexpr long double kThird = 1.0L / 3;
+    char expected[32];
+    std::snprintf(expected, sizeof expected, "%.19Lf", kThird);
+    EXPECT_EQ(printed<NarrowPrint>("%.19Lf", kThird), expected);
+    EXPECT_EQ(printed<WidePrint>("%.19Lf", kThird), expected);
+    EXPECT_NE(printed<NarrowPrint>("%.19f", static_cast<double>(kThird)), expected);
+    EXPECT_EQ(printed<NarrowPrint>("%+Lg|%d", -2.5L, 7), "-2.5|7");
+}
+#endif
 
 std::string nameOf(const testing::TestParamInfo<FormatCase>& info) {
     return info.param.name;

@@ -121,7 +121,7 @@ constexpr FractionCase kFractions[] = {
 
 class Fraction : public testing::TestWithParam<FractionCase> {};
 INSTANTIATE_TEST_SUITE_P(Table, Fraction, testing::ValuesIn(kFractions),
-                         [](const auto& info) { return info.param.name; });
+                         [](const auto& row) { return row.param.name; });
 
 TEST_P(Fraction, OfADouble) {
     EXPECT_EQ(fractionOf(GetParam().value), GetParam().doubleText);

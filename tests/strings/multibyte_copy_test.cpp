@@ -106,7 +106,7 @@ protected:
 INSTANTIATE_TEST_SUITE_P(Table, StringSafePrintA,
                          testing::Values(Printer{"Values", &string_safeSprintfA},
                                          Printer{"List", &printThroughAList}),
-                         [](const auto& info) { return info.param.name; });
+                         [](const auto& row) { return row.param.name; });
 
 TEST_P(StringSafePrintA, PrintsTextThatFits) {
     GuardedBytes destination(8);

@@ -319,7 +319,11 @@ TEST(StringStrstrAInPage932, MatchesWholeCharacters) {
     constexpr WholeCase kCases[] = {{"\x83\x61", "a", kNowhere},
                                     {"\x83\x5C\\", "\\", 2},
                                     {"\x83\x83\x5C", "\x83\x5C", kNowhere},
-                                    {"\x83\x83\x5C\x83\x5C", "\x83\x5C", 3}};
+                                    {"\x83\x83\x5C\x83\x5C", "\x83\x5C", 3},
+                                    {"a\x83\x5C", "a\x83", kNowhere},
+                                    {"a\x83\x5C"
+                                     "a\x83",
+                                     "a\x83", 3}};
     for (const auto& [text, part, place] : kCases) {
         EXPECT_EQ(found(string_strstrA, text, part), place)
             << testing::PrintToString(text) << ' ' << testing::PrintToString(part);

@@ -42,7 +42,7 @@ INSTANTIATE_TEST_SUITE_P(
                               [](char* text) { return string_stripLeadingCtlCharA(text, 2); }},
                     WideStrip{"TrailingCtlChar",
                               [](char* text) { return string_stripTrailingCtlCharA(text, 2); }}),
-    [](const auto& info) { return info.param.name; });
+    [](const auto& row) { return row.param.name; });
 
 TEST_P(StringStripThroughWideTextA, GivesNullForNull) {
     EXPECT_EQ(GetParam().strip(nullptr), nullptr);
@@ -97,7 +97,7 @@ INSTANTIATE_TEST_SUITE_P(
                               [](char* text) { return string_stripLeadingCharA(text, 'x', 0); }},
                     WideStrip{"TrailingCtlChar",
                               [](char* text) { return string_stripTrailingCtlCharA(text, 0); }}),
-    [](const auto& info) { return info.param.name; });
+    [](const auto& row) { return row.param.name; });
 
 TEST_P(StringStripThroughWideTextAInPage932, LeavesDoubleByteText) {
     VEXA_NEEDS_PAGE(932);
@@ -129,7 +129,7 @@ INSTANTIATE_TEST_SUITE_P(
                     WideStrip{"CtlChar", string_stripCtlCharA},
                     WideStrip{"TrailingChar",
                               [](char* text) { return string_stripTrailingCharA(text, 'x', 0); }}),
-    [](const auto& info) { return info.param.name; });
+    [](const auto& row) { return row.param.name; });
 
 TEST_P(StringStripThroughWideTextAInPage65001, LeavesWellFormedText) {
     VEXA_NEEDS_PAGE(65001);

@@ -139,7 +139,7 @@ INSTANTIATE_TEST_SUITE_P(Table, StringGetTokenARefused,
                                          RefusedList{"EmptySource", "", ","},
                                          RefusedList{"NullDelimiters", "a", nullptr},
                                          RefusedList{"EmptyDelimiters", "a", ""}),
-                         [](const auto& info) { return info.param.name; });
+                         [](const auto& row) { return row.param.name; });
 
 TEST_P(StringGetTokenARefused, WritesNothing) {
     const auto [name, source, delimiters] = GetParam();

@@ -25,7 +25,7 @@ class StringFree : public testing::TestWithParam<ReleaseCase> {};
 INSTANTIATE_TEST_SUITE_P(Table, StringFree,
                          testing::Values(ReleaseCase{"Narrow", &string_freeA},
                                          ReleaseCase{"Wide", &string_freeW}),
-                         [](const auto& info) { return info.param.name; });
+                         [](const auto& row) { return row.param.name; });
 
 TEST_P(StringFree, RefusesNull) {
     EXPECT_EQ(GetParam().release(nullptr), static_cast<std::uint32_t>(VEXA_FAILURE));

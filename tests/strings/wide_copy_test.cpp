@@ -49,7 +49,7 @@ const CopyCase kCopies[] = {
 
 class StringSafeCopyW : public testing::TestWithParam<CopyCase> {};
 INSTANTIATE_TEST_SUITE_P(Table, StringSafeCopyW, testing::ValuesIn(kCopies),
-                         [](const auto& info) { return info.param.name; });
+                         [](const auto& row) { return row.param.name; });
 
 TEST_P(StringSafeCopyW, CopiesWhatFitsAndFillsTheRestWithZeros) {
     const CopyCase& row = GetParam();
@@ -115,7 +115,7 @@ const ConcatenationCase kConcatenations[] = {
 
 class StringSafeConcatenateW : public testing::TestWithParam<ConcatenationCase> {};
 INSTANTIATE_TEST_SUITE_P(Table, StringSafeConcatenateW, testing::ValuesIn(kConcatenations),
-                         [](const auto& info) { return info.param.name; });
+                         [](const auto& row) { return row.param.name; });
 
 TEST_P(StringSafeConcatenateW, AppendsWhatFitsAndEndsTheArray) {
     const ConcatenationCase& row = GetParam();

@@ -47,7 +47,7 @@ const LetterCase kLetters[] = {
 
 class WideLetters : public testing::TestWithParam<LetterCase> {};
 INSTANTIATE_TEST_SUITE_P(Table, WideLetters, testing::ValuesIn(kLetters),
-                         [](const auto& info) { return info.param.name; });
+                         [](const auto& row) { return row.param.name; });
 
 TEST_P(WideLetters, BecomeUpper) {
     GuardedText text = holding(GetParam().text);
@@ -120,7 +120,7 @@ const ReplacementCase kReplacements[] = {
 
 class StringReplaceCharW : public testing::TestWithParam<ReplacementCase> {};
 INSTANTIATE_TEST_SUITE_P(Table, StringReplaceCharW, testing::ValuesIn(kReplacements),
-                         [](const auto& info) { return info.param.name; });
+                         [](const auto& row) { return row.param.name; });
 
 TEST_P(StringReplaceCharW, PutsOneUnitForAnother) {
     const ReplacementCase& row = GetParam();
@@ -167,7 +167,7 @@ const EditCase kNewlines[] = {
 
 class StringReplaceCRW : public testing::TestWithParam<EditCase> {};
 INSTANTIATE_TEST_SUITE_P(Table, StringReplaceCRW, testing::ValuesIn(kNewlines),
-                         [](const auto& info) { return info.param.name; });
+                         [](const auto& row) { return row.param.name; });
 
 TEST_P(StringReplaceCRW, PutsLineFeedsForTheTwoCharacters) {
     GuardedText text = holding(GetParam().text);
@@ -207,7 +207,7 @@ const EditCase kSeparators[] = {
 
 class StringAddFileSeperatorW : public testing::TestWithParam<EditCase> {};
 INSTANTIATE_TEST_SUITE_P(Table, StringAddFileSeperatorW, testing::ValuesIn(kSeparators),
-                         [](const auto& info) { return info.param.name; });
+                         [](const auto& row) { return row.param.name; });
 
 TEST_P(StringAddFileSeperatorW, AppendsAMissingBackslash) {
     const std::size_t added = GetParam().result.size() - GetParam().text.size();

@@ -148,7 +148,7 @@ const FormatCase kFormats[] = {
 
 class WideFormat : public testing::TestWithParam<FormatCase> {};
 INSTANTIATE_TEST_SUITE_P(Table, WideFormat, testing::ValuesIn(kFormats),
-                         [](const auto& info) { return info.param.name; });
+                         [](const auto& row) { return row.param.name; });
 
 TEST_P(WideFormat, PrintsTheText) {
     EXPECT_EQ(readable(GetParam().print()), readable(GetParam().text));
@@ -173,7 +173,7 @@ class WideSafePrint : public testing::TestWithParam<PrintCase> {};
 INSTANTIATE_TEST_SUITE_P(Table, WideSafePrint,
                          testing::Values(PrintCase{"safeSprintf", &string_safeSprintfW},
                                          PrintCase{"safeVsprintf", &printByList}),
-                         [](const auto& info) { return info.param.name; });
+                         [](const auto& row) { return row.param.name; });
 
 TEST_P(WideSafePrint, EndsTheTextAndTheArrayAndWritesNothingBetween) {
     GuardedText text(8);

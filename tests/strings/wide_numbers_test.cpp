@@ -93,7 +93,7 @@ const NumberCase kNumbers[] = {
 
 class StringReadLongW : public testing::TestWithParam<NumberCase> {};
 INSTANTIATE_TEST_SUITE_P(Table, StringReadLongW, testing::ValuesIn(kNumbers),
-                         [](const auto& info) { return info.param.name; });
+                         [](const auto& row) { return row.param.name; });
 
 TEST_P(StringReadLongW, StoresTheNumberAndGivesThePlaceBehind) {
     const NumberCase& row = GetParam();

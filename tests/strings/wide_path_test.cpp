@@ -75,7 +75,7 @@ const PathCase kPaths[] = {
 
 class WidePath : public testing::TestWithParam<PathCase> {};
 INSTANTIATE_TEST_SUITE_P(Table, WidePath, testing::ValuesIn(kPaths),
-                         [](const auto& info) { return info.param.name; });
+                         [](const auto& row) { return row.param.name; });
 
 TEST_P(WidePath, LosesItsFolders) {
     GuardedText path = holding(GetParam().path);
@@ -151,7 +151,7 @@ const SlashCase kSlashes[] = {
 
 class StringRemoveTerminatingSlashW : public testing::TestWithParam<SlashCase> {};
 INSTANTIATE_TEST_SUITE_P(Table, StringRemoveTerminatingSlashW, testing::ValuesIn(kSlashes),
-                         [](const auto& info) { return info.param.name; });
+                         [](const auto& row) { return row.param.name; });
 
 TEST_P(StringRemoveTerminatingSlashW, GivesAnIndexWhereItRemovedAndAnAddressElse) {
     const SlashCase& row = GetParam();

@@ -42,7 +42,7 @@ class WideLength : public testing::TestWithParam<LengthCase> {};
 INSTANTIATE_TEST_SUITE_P(Table, WideLength,
                          testing::Values(LengthCase{"numChars", &string_numCharsW},
                                          LengthCase{"safeLength", &string_safeLengthW}),
-                         [](const auto& info) { return info.param.name; });
+                         [](const auto& row) { return row.param.name; });
 
 TEST_P(WideLength, IsTheNumberOfUnits) {
     const auto length = GetParam().length;
@@ -75,7 +75,7 @@ class WideStep : public testing::TestWithParam<StepCase> {};
 INSTANTIATE_TEST_SUITE_P(Table, WideStep,
                          testing::Values(StepCase{"increment", &string_incrementW},
                                          StepCase{"nextChar", &string_nextCharW}),
-                         [](const auto& info) { return info.param.name; });
+                         [](const auto& row) { return row.param.name; });
 
 TEST_P(WideStep, GoesOneUnitOn) {
     const WideString text = {'a', 0xD83D, 0xDE00, 0xFFFF};
@@ -164,7 +164,7 @@ const CharacterCase kCharacters[] = {
 
 class WideCharacter : public testing::TestWithParam<CharacterCase> {};
 INSTANTIATE_TEST_SUITE_P(Table, WideCharacter, testing::ValuesIn(kCharacters),
-                         [](const auto& info) { return info.param.name; });
+                         [](const auto& row) { return row.param.name; });
 
 TEST_P(WideCharacter, IsFoundFirstAndLastAndCounted) {
     const CharacterCase& row = GetParam();
@@ -214,7 +214,7 @@ const PartCase kParts[] = {
 
 class StringStrstrW : public testing::TestWithParam<PartCase> {};
 INSTANTIATE_TEST_SUITE_P(Table, StringStrstrW, testing::ValuesIn(kParts),
-                         [](const auto& info) { return info.param.name; });
+                         [](const auto& row) { return row.param.name; });
 
 TEST_P(StringStrstrW, FindsThePart) {
     const PartCase& row = GetParam();
@@ -283,7 +283,7 @@ const SkipCase kSkips[] = {
 
 class StringSkipWhiteSpaceW : public testing::TestWithParam<SkipCase> {};
 INSTANTIATE_TEST_SUITE_P(Table, StringSkipWhiteSpaceW, testing::ValuesIn(kSkips),
-                         [](const auto& info) { return info.param.name; });
+                         [](const auto& row) { return row.param.name; });
 
 TEST_P(StringSkipWhiteSpaceW, GivesTheFirstOtherUnit) {
     const SkipCase& row = GetParam();

@@ -93,7 +93,7 @@ const SpaceCase kSpaces[] = {
 
 class WideWhiteSpace : public testing::TestWithParam<SpaceCase> {};
 INSTANTIATE_TEST_SUITE_P(Table, WideWhiteSpace, testing::ValuesIn(kSpaces),
-                         [](const auto& info) { return info.param.name; });
+                         [](const auto& row) { return row.param.name; });
 
 TEST_P(WideWhiteSpace, IsStrippedFromTheStart) {
     EXPECT_EQ(edited(string_stripLeadWhiteSpaceW, GetParam().text), GetParam().withoutLead);
@@ -155,7 +155,7 @@ const CharacterCase kCharacters[] = {
 
 class StringStripCharW : public testing::TestWithParam<CharacterCase> {};
 INSTANTIATE_TEST_SUITE_P(Table, StringStripCharW, testing::ValuesIn(kCharacters),
-                         [](const auto& info) { return info.param.name; });
+                         [](const auto& row) { return row.param.name; });
 
 TEST_P(StringStripCharW, StepsPastTheUnitThatMovedIntoPlace) {
     const CharacterCase& row = GetParam();
@@ -228,7 +228,7 @@ const ControlCase kControls[] = {
 
 class StringStripCtlCharW : public testing::TestWithParam<ControlCase> {};
 INSTANTIATE_TEST_SUITE_P(Table, StringStripCtlCharW, testing::ValuesIn(kControls),
-                         [](const auto& info) { return info.param.name; });
+                         [](const auto& row) { return row.param.name; });
 
 TEST_P(StringStripCtlCharW, LeavesWhatStoodBehindAnOrdinaryEnd) {
     EXPECT_EQ(edited(string_stripCtlCharW, GetParam().text), GetParam().result);
@@ -305,7 +305,7 @@ const CountedCase kCounted[] = {
 
 class WideCountedCharacter : public testing::TestWithParam<CountedCase> {};
 INSTANTIATE_TEST_SUITE_P(Table, WideCountedCharacter, testing::ValuesIn(kCounted),
-                         [](const auto& info) { return info.param.name; });
+                         [](const auto& row) { return row.param.name; });
 
 TEST_P(WideCountedCharacter, IsStrippedFromTheStart) {
     const CountedCase& row = GetParam();
@@ -393,7 +393,7 @@ const CountedControlCase kCountedControls[] = {
 
 class WideCountedControl : public testing::TestWithParam<CountedControlCase> {};
 INSTANTIATE_TEST_SUITE_P(Table, WideCountedControl, testing::ValuesIn(kCountedControls),
-                         [](const auto& info) { return info.param.name; });
+                         [](const auto& row) { return row.param.name; });
 
 TEST_P(WideCountedControl, IsStrippedFromTheStart) {
     const CountedControlCase& row = GetParam();

@@ -55,7 +55,7 @@ const TokenCase kTokens[] = {
 
 class StringGetTokenW : public testing::TestWithParam<TokenCase> {};
 INSTANTIATE_TEST_SUITE_P(Table, StringGetTokenW, testing::ValuesIn(kTokens),
-                         [](const auto& info) { return info.param.name; });
+                         [](const auto& row) { return row.param.name; });
 
 TEST_P(StringGetTokenW, TakesTheFirstToken) {
     const TokenCase& row = GetParam();
@@ -148,7 +148,7 @@ const ListCase kLists[] = {
 
 class WideTokens : public testing::TestWithParam<ListCase> {};
 INSTANTIATE_TEST_SUITE_P(Table, WideTokens, testing::ValuesIn(kLists),
-                         [](const auto& info) { return info.param.name; });
+                         [](const auto& row) { return row.param.name; });
 
 TEST_P(WideTokens, AreCounted) {
     const ListCase& row = GetParam();

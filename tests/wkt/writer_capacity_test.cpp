@@ -87,7 +87,7 @@ TEST_P(EveryCapacity, WritesWhatTheStepsSay) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Table, EveryCapacity, testing::ValuesIn(kSamples),
-                         [](const auto& info) { return std::string(info.param.name); });
+                         [](const auto& row) { return std::string(row.param.name); });
 
 /// Geometries of all types, with empty and many-run parts among them.
 class RandomGeometry {

@@ -75,7 +75,7 @@ INSTANTIATE_TEST_SUITE_P(
         TypeCase{"Multipoint", multipointOf(kLine), "multipoint((0 0 0),(1 1 1))"},
         TypeCase{"Multilinestring", multilineOf({{kLine}}), "multilinestring((0 0 0,1 1 1))"},
         TypeCase{"Multipolygon", multipolygonOf({{{kLine}}}), "multipolygon(((0 0 0,1 1 1)))"}),
-    [](const auto& info) { return std::string(info.param.name); });
+    [](const auto& row) { return std::string(row.param.name); });
 
 TEST(Geometry, Gives32768ForOtherTypes) {
     for (const std::uint32_t type :

@@ -112,7 +112,7 @@ INSTANTIATE_TEST_SUITE_P(
                       "polygon((0 0 0,9 0 0,0 0 0),(2 2 0,3 3 0))"},
         KeywordWriter{"Multipoint", vexaWKT_multipoint, "multipoint(", multipointOf(kLine),
                       "multipoint((0 0 0),(1.5 2 -3))"}),
-    [](const auto& info) { return std::string(info.param.name); });
+    [](const auto& row) { return std::string(row.param.name); });
 
 TEST(Point, NeedsThirteenCellsForTwelveCharacters) {
     const Bytes point = pointOf({1, 2, 3});

@@ -112,7 +112,7 @@ INSTANTIATE_TEST_SUITE_P(
         MultiWriter{"Collection", vexaWKT_geometryCollection, "geometrycollection(",
                     collectionOf({pointOf({1, 2, 3}), lineOf({{{0, 0, 0}, {1, 1, 1}}})}),
                     "geometrycollection(point(1 2 3),linestring(0 0 0,1 1 1))", collectionOf({})}),
-    [](const auto& info) { return std::string(info.param.name); });
+    [](const auto& row) { return std::string(row.param.name); });
 
 TEST(Multilinestring, GivesNothingWithSixteenCells) {
     const Bytes lines = multilineOf({{{{1, 2, 3}}}});

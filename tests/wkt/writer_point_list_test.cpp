@@ -158,7 +158,7 @@ INSTANTIATE_TEST_SUITE_P(Both, PointLists,
                                          ListWriter{"MultipointList", vexaWKT_multipointList,
                                                     &WriterModel::multipointList, "(1 2 3)",
                                                     "(1 2 3),(-4.5 0 " + kHuge + "),(7 8 9)"}),
-                         [](const auto& info) { return std::string(info.param.name); });
+                         [](const auto& row) { return std::string(row.param.name); });
 
 }  // namespace
 }  // namespace vexa::test

@@ -3,10 +3,11 @@
 #include "vexakit/transform.h"
 
 #include <cstdint>
-#include <cstring>
 #include <memory>
 #include <utility>
 #include <vector>
+
+#include <gmock/gmock.h>
 
 namespace vexa::test {
 
@@ -159,7 +160,7 @@ public:
     void make() override { status_ = transform_(&matrix_, geometry()); }
     void expectTold() override {
         Change::expectTold();
-        EXPECT_EQ(std::memcmp(&matrix_, &kTwice, sizeof kTwice), 0);
+        EXPECT_THAT(matrix_.m, testing::ElementsAreArray(kTwice.m));
     }
 
 private:

@@ -187,7 +187,7 @@ std::string modelOf(double value) {
 }
 
 std::string modelOf(float value) {
-    const double whole = std::trunc(value);
+    const double whole = std::trunc(static_cast<double>(value));
     std::string fraction = modelFraction(static_cast<double>(value) - whole);
     if (whole == 0) return fraction;
     return std::to_string(static_cast<std::int64_t>(whole)) + " " + fraction;

@@ -100,9 +100,10 @@ TEST(SafeSprintfGrid, LongIntegersPrintAsTheCLibraryPrintsThem) {
 TEST(SafeSprintfGrid, FloatsPrintAsTheCLibraryPrintsThem) {
     constexpr char kConversions[] = {'e', 'E', 'f', 'F', 'g', 'G', 'a', 'A'};
     constexpr double kInfinity = std::numeric_limits<double>::infinity();
+    constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
     constexpr double kValues[] = {
         0.0,  -0.0,    1.0,   -1.0,    0.5,     2.5,    9.9999995, 1e-5,       123456.0, 1234567.0,
-        1e21, -1e-300, 1e300, DBL_MAX, DBL_MIN, 5e-324, kInfinity, -kInfinity, NAN};
+        1e21, -1e-300, 1e300, DBL_MAX, DBL_MIN, 5e-324, kInfinity, -kInfinity, kNaN};
     for (const std::string& shape : allShapes()) {
         for (const char conversion : kConversions) {
             for (const double value : kValues) {

@@ -25,6 +25,8 @@ set(VEXAKIT_SOURCES
     locks/slot_array.cpp
     locks/thread_lock.cpp
     locks/thread_locks.cpp
+    numbers/decimal_printing.cpp
+    platform/vector_width.cpp
     strings/conversion.cpp
     strings/copying.cpp
     strings/environment.cpp
@@ -50,6 +52,7 @@ set(VEXAKIT_SOURCES
     wkt/parse_interface.cpp
     wkt/parse_run.cpp
     wkt/parser.cpp
+    wkt/plain_reader.cpp
     wkt/point_text.cpp
     wkt/scan_buffer.cpp
     wkt/writer.cpp)

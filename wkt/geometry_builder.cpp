@@ -81,6 +81,12 @@ bool GeometryBuilder::addVertex(const Point3d& vertex) {
     return true;
 }
 
+void GeometryBuilder::addVerticesUpTo(const Point3d* end) {
+    const auto count = static_cast<std::uint32_t>(end - vertexRoom());
+    used_ += count * sizeof(Point3d);
+    vertexCount_ += count;
+}
+
 Block GeometryBuilder::take() {
     auto* const block = reinterpret_cast<GeometryBuffer*>(bytes_.release());
     auto* const cut = static_cast<GeometryBuffer*>(std::realloc(block, used_));

@@ -16,6 +16,9 @@ namespace vexa {
 /// Every step that may need memory tells whether there was any.
 class GeometryBuilder {
 public:
+    /// Sees to room for so many bytes more.
+    bool reserve(std::size_t bytes);
+
     bool beginCollection();
     void endCollection();
 
@@ -28,11 +31,15 @@ public:
 
     bool addVertex(const Point3d& vertex);
 
+    /// Where the next vertices go, for those who have reserved room and write them there themselves.
+    Point3d* vertexRoom() { return reinterpret_cast<Point3d*>(bytes_.get() + used_); }
+    /// Takes what was written there. @param end  just past the last of them
+    void addVerticesUpTo(const Point3d* end);
+
     /// The finished block, cut to its length.
     Block take();
 
 private:
-    bool reserve(std::size_t bytes);
     bool appendWords(std::uint32_t first, std::uint32_t second);
     void setWord(std::size_t offset, std::uint32_t value);
     std::uint32_t sizeWord() const;

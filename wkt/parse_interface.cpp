@@ -4,6 +4,7 @@
 #include "vexakit/strings.h"
 #include "vexakit/wkt.h"
 #include "wkt/parser.h"
+#include "wkt/plain_reader.h"
 
 #include <cstring>
 
@@ -14,9 +15,14 @@ namespace {
 Parser parser;         // NOLINT(*-avoid-non-const-global-variables): the parser of the process
 ThreadLock parseLock;  // NOLINT(*-avoid-non-const-global-variables): made at load, for all threads
 
-// The copy is made before the lock is taken: where there is no memory for it the process ends, and a
-// lock must not be held when it is destroyed.
-std::uint32_t parseUnderLock(const char* text, Block& result) {
+// Plain text is read outside the lock. For other text the copy is made before the lock is taken: where
+// there is no memory for it the process ends, and a lock must not be held when it is destroyed.
+std::uint32_t parseText(const char* text, Block& result) {
+    if (text && (result = readPlainText(text))) {
+        const ThreadLockGuard guard{&parseLock};
+        parser.clearError();
+        return kSuccess;
+    }
     const ScanBufferHandle buffer = text ? scanBytes(text) : nullptr;
     const ThreadLockGuard guard{&parseLock};
     return parser.parse(buffer.get(), result);
@@ -34,7 +40,7 @@ std::uint32_t parseWide(const VexaWChar* text, Block& result, std::uint32_t& siz
     if (status != kSuccess) return status;
 
     const AnsiText ansi{converted};
-    status = parseUnderLock(ansi.get(), result);
+    status = parseText(ansi.get(), result);
     if (status != kSuccess) return status;
 
     return knownOrComputedSize(*result, size);
@@ -77,7 +83,7 @@ extern "C" [[gnu::alias("vexaParse_initialize")]] uint32_t vexaParse_uninitializ
 
 uint32_t vexaParse_string(const char* text, GeometryBuffer** result) {
     Block geometry;
-    const std::uint32_t status = parseUnderLock(text, geometry);
+    const std::uint32_t status = parseText(text, geometry);
     if (status != kSuccess) return status;
     if (!result) return kFailure;
 

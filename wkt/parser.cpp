@@ -5,7 +5,7 @@
 namespace vexa {
 
 std::uint32_t Parser::parse(const ScanBuffer* buffer, Block& result) {
-    errorText_.front() = '\0';
+    clearError();
     if (!buffer) return kNoText;
 
     ParseRun run{*buffer, errorText_};

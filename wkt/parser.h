@@ -18,6 +18,9 @@ public:
     /// text.
     std::uint32_t parse(const ScanBuffer* buffer, Block& result);
 
+    /// Forgets the error text, as each parse does.
+    void clearError() { errorText_.front() = '\0'; }
+
     const char* errorText() const { return errorText_.data(); }
 
 private:

@@ -1,5 +1,7 @@
 #include "platform/number_print.h"
 
+#include "numbers/decimal_printing.h"
+
 #include <algorithm>
 #include <charconv>
 #include <clocale>
@@ -82,8 +84,11 @@ char* printGeneral(char* out, double value, int precision) noexcept {
     if (kTiesGoAwayFromZero && mayBeTie(value, digits)) {
         return printByRuntime(out, kLongestNumber, "%.*g", value, precision);
     }
-    char* const end =
-        std::to_chars(out, out + kLongestNumber, value, std::chars_format::general, digits).ptr;
+    char* end = printQuickly(out, value, digits);
+    if (!end) {
+        end =
+            std::to_chars(out, out + kLongestNumber, value, std::chars_format::general, digits).ptr;
+    }
     return widenExponent(out, end);
 }
 
@@ -92,8 +97,7 @@ char* printFraction(char* out, double value, int precision) noexcept {
     if (kTiesGoAwayFromZero && value != 0 && lastBitOf(value) == -(precision + 1)) {
         return printByRuntime(out, kLongestFraction, "%.*f", value, precision);
     }
-    return std::to_chars(out, out + kLongestFraction, value, std::chars_format::fixed, precision)
-        .ptr;
+    return printFractionQuickly(out, value, precision);
 }
 
 }  // namespace vexa::platform

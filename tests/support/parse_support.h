@@ -1,9 +1,11 @@
 #pragma once
 
 #include "geometry/block.h"
+#include "tests/support/slow_build.h"
 #include "vexakit/geometry.h"
 #include "vexakit/wkt.h"
 #include "wkt/generated/grammar.h"
+#include "wkt/parser.h"
 #include "wkt/scanner.h"
 
 #include <bit>
@@ -15,6 +17,7 @@
 #include <ostream>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -138,6 +141,14 @@ inline Parsed parsed(const std::string& text) {
     return {status, Block{geometry}, vexaParse_errorString()};
 }
 
+/// What the scanner and the grammar make of a text; plain ones, too, which `parsed` does without them.
+inline Parsed parsedByGrammar(const std::string& text) {
+    static Parser parser;  // NOLINT(*-avoid-non-const-global-variables): keeps the error text
+    Block geometry;
+    const std::uint32_t status = parser.parse(scanBytes(text).get(), geometry);
+    return {status, std::move(geometry), parser.errorText()};
+}
+
 /// The message of a syntax error at a token.
 inline std::string errorAt(std::string_view token) {
     return "parse error, at or near \"" + std::string{token} + "\"\n";
@@ -148,13 +159,6 @@ using WideText = std::basic_string<VexaWChar>;
 inline WideText widened(std::string_view text) {
     return {text.begin(), text.end()};
 }
-
-/// How much work a test may give itself: sanitizers and unoptimised builds are slow.
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__) || !defined(__OPTIMIZE__)
-constexpr bool kIsSlowBuild = true;
-#else
-constexpr bool kIsSlowBuild = false;
-#endif
 
 // ---- Tables ------------------------------------------------------------------------------------
 

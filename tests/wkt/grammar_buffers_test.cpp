@@ -99,7 +99,7 @@ TEST_P(GrammarBuffers, AreThoseOfTheConstructors) {
     const Buffer& row = GetParam();
     const Block expected = builtFrom(row.type, row.parts);
 
-    const Parsed result = parsed(row.text);
+    const Parsed result = parsedByGrammar(row.text);
 
     ASSERT_EQ(result.status, 0U) << result.error;
     EXPECT_EQ(result.geometry->size, row.sizeWord);
@@ -109,7 +109,7 @@ TEST_P(GrammarBuffers, AreThoseOfTheConstructors) {
 
 TEST_P(GrammarBuffers, CanBeGrownAndFreedByTheirOwner) {
     const Buffer& row = GetParam();
-    GeometryBuffer* geometry = parsed(row.text).geometry.release();
+    GeometryBuffer* geometry = parsedByGrammar(row.text).geometry.release();
     constexpr Point3d kVertex = {5, 5, 5};
 
     if (row.type == VEXA_POLYGON) {
@@ -127,7 +127,7 @@ INSTANTIATE_TEST_SUITE_P(Table, GrammarBuffers, testing::ValuesIn(kBuffers), kRo
 TEST(GrammarBuffers, HaveZeroInTheirPadding) {
     // Every padding word lies beside a count.
     const std::vector<std::uint32_t> words =
-        contentsOf(*parsed("POLYGON((0 0 0),(0 0 0))").geometry);
+        contentsOf(*parsedByGrammar("POLYGON((0 0 0),(0 0 0))").geometry);
 
     EXPECT_EQ(words, (std::vector<std::uint32_t>{1, 1, 3, 64, 2, 0,              //
                                                  1, 0, 0, 1,  0, 0, 0, 0, 0, 0,  //
@@ -136,7 +136,7 @@ TEST(GrammarBuffers, HaveZeroInTheirPadding) {
 
 TEST(GrammarBuffers, HaveTheMultiPolygonLaidOutRingByRing) {
     const std::vector<std::uint32_t> words =
-        contentsOf(*parsed("MULTIPOLYGON(((0 0 0),(0 0 0)))").geometry);
+        contentsOf(*parsedByGrammar("MULTIPOLYGON(((0 0 0),(0 0 0)))").geometry);
 
     EXPECT_EQ(words, (std::vector<std::uint32_t>{1, 1, 6, 120, 2, 0,                    //
                                                  1, 0, 1, 0,   0, 1, 0, 0, 0, 0, 0, 0,  //
@@ -144,7 +144,7 @@ TEST(GrammarBuffers, HaveTheMultiPolygonLaidOutRingByRing) {
 }
 
 TEST(GrammarBuffers, KeepEveryBitOfTheirCoordinates) {
-    const Parsed result = parsed("POINT(-0 0.1 1e+999)");
+    const Parsed result = parsedByGrammar("POINT(-0 0.1 1e+999)");
     ASSERT_EQ(result.status, 0U);
     Point3d point;
     ASSERT_EQ(vexaWKB_pointGetPoint(result.geometry.get(), &point), 0U);
@@ -220,7 +220,7 @@ TEST(GrammarBuffers, AreThoseOfTheConstructorsForRandomGeometries) {
 
         const auto expectSame = [](const std::string& text, VexaGeometryType type,
                                    const Parts& of) {
-            const Parsed result = parsed(text);
+            const Parsed result = parsedByGrammar(text);
             ASSERT_EQ(result.status, 0U) << text << '\n' << result.error;
             EXPECT_EQ(contentsOf(*result.geometry), contentsOf(*builtFrom(type, of))) << text;
         };

@@ -11,7 +11,7 @@ using Words = std::vector<std::uint32_t>;
 Words collectionOf(const std::vector<std::string>& members) {
     Words words = {1, 1, 7, 0, static_cast<std::uint32_t>(members.size()), 0};
     for (const std::string& text : members) {
-        const Block member = parsed(text).geometry;
+        const Block member = parsedByGrammar(text).geometry;
         std::uint32_t size = 0;
         EXPECT_EQ(vexaWKB_getSize(member.get(), &size), 0U);
         EXPECT_EQ(size % 8, 0U);
@@ -54,7 +54,7 @@ class GrammarCollection : public testing::TestWithParam<Collection> {};
 TEST_P(GrammarCollection, HoldsItsMembersByTheirSizes) {
     const std::vector<std::string>& members = GetParam().members;
 
-    const Parsed result = parsed(textOf(members));
+    const Parsed result = parsedByGrammar(textOf(members));
 
     ASSERT_EQ(result.status, 0U) << result.error;
     EXPECT_EQ(contentsOf(*result.geometry), collectionOf(members));
@@ -63,7 +63,7 @@ TEST_P(GrammarCollection, HoldsItsMembersByTheirSizes) {
 INSTANTIATE_TEST_SUITE_P(Table, GrammarCollection, testing::ValuesIn(kCollections), kRowName);
 
 TEST(GrammarCollection, HasNoSizeWordOfItsOwn) {
-    const Block collection = parsed("geometrycollection(point(1 2 3))").geometry;
+    const Block collection = parsedByGrammar("geometrycollection(point(1 2 3))").geometry;
 
     EXPECT_EQ(collection->headerWord0, 1U);
     EXPECT_EQ(collection->headerWord1, 1U);
@@ -73,7 +73,7 @@ TEST(GrammarCollection, HasNoSizeWordOfItsOwn) {
 
 TEST(GrammarCollection, HasItsSecondMemberBehindTheFirst) {
     const Block collection =
-        parsed("GEOMETRYCOLLECTION(POINT(1 2 3),LINESTRING(0 0 0,1 1 1))").geometry;
+        parsedByGrammar("GEOMETRYCOLLECTION(POINT(1 2 3),LINESTRING(0 0 0,1 1 1))").geometry;
     const Words words = contentsOf(*collection);
 
     ASSERT_EQ(words.size() * sizeof(std::uint32_t), 24U + 40U + 80U);
@@ -85,7 +85,8 @@ TEST(GrammarCollection, HasItsSecondMemberBehindTheFirst) {
 
 // The member's count tells of both rings; the bytes of the second are not there.
 TEST(GrammarCollection, CutsAPolygonBehindItsFirstRing) {
-    const Block collection = parsed("GEOMETRYCOLLECTION(POLYGON((1 1 1),(2 2 2)))").geometry;
+    const Block collection =
+        parsedByGrammar("GEOMETRYCOLLECTION(POLYGON((1 1 1),(2 2 2)))").geometry;
     const Words words = contentsOf(*collection);
 
     ASSERT_EQ(words.size() * sizeof(std::uint32_t), 24U + 64U);
@@ -99,7 +100,7 @@ TEST(GrammarCollection, HoldsManyMembers) {
     for (std::uint32_t i = 0; i < kMembers; ++i) {
         text += (i == 0 ? "POINT(" : ",POINT(") + std::to_string(i) + " 0 0)";
     }
-    const Block collection = parsed(text + ")").geometry;
+    const Block collection = parsedByGrammar(text + ")").geometry;
     ASSERT_TRUE(collection);
     const Words words = contentsOf(*collection);
 

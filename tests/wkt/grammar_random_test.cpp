@@ -195,7 +195,7 @@ TEST(GrammarByDescent, AcceptsTheSameTextsAndQuotesTheSameToken) {
         const std::string text = random.written(codes, tokens);
         const std::optional<std::size_t> offender = Acceptor{codes}.offender();
 
-        const Parsed result = parsed(text);
+        const Parsed result = parsedByGrammar(text);
 
         ASSERT_EQ(result.status, offender ? 1U : 0U) << text;
         ASSERT_EQ(result.error, offender ? errorAt(tokens[*offender]) : "") << text;
@@ -229,7 +229,7 @@ TEST(GrammarByDescent, AgreesOnEveryShortSequence) {
         ended.push_back(0);
         const std::optional<std::size_t> offender = Acceptor{ended}.offender();
         const std::string text = spelling.written(ended, tokens);
-        const Parsed result = parsed(text);
+        const Parsed result = parsedByGrammar(text);
         ASSERT_TRUE(offender) << text;  // no geometry is so short
         ASSERT_EQ(result.error, errorAt(tokens[*offender])) << text;
     }

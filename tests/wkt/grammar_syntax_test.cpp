@@ -33,7 +33,7 @@ class GrammarAccepts : public testing::TestWithParam<Accepted> {};
 
 TEST_P(GrammarAccepts, Text) {
     Parsed result;
-    outputOf([&] { result = parsed(GetParam().text); });
+    outputOf([&] { result = parsedByGrammar(GetParam().text); });
 
     EXPECT_EQ(result.status, 0U);
     EXPECT_TRUE(result.geometry);
@@ -145,7 +145,7 @@ class GrammarRejects : public testing::TestWithParam<Rejected> {};
 TEST_P(GrammarRejects, TextAtTheTokenThatDoesNotFit) {
     const Rejected& row = GetParam();
     Parsed result;
-    outputOf([&] { result = parsed(row.text); });
+    outputOf([&] { result = parsedByGrammar(row.text); });
 
     EXPECT_EQ(result.status, 1U);
     EXPECT_FALSE(result.geometry);
@@ -178,7 +178,7 @@ TEST(GrammarErrorText, EndsAfter127BytesWhateverTheToken) {
         const std::string token(digits, '9');
         SCOPED_TRACE(digits);
 
-        const Parsed result = parsed("POINT(1 2 3 " + token + ")");
+        const Parsed result = parsedByGrammar("POINT(1 2 3 " + token + ")");
 
         EXPECT_EQ(result.status, 1U);
         EXPECT_EQ(result.error, errorAt(token).substr(0, kLongestMessage));
@@ -188,13 +188,13 @@ TEST(GrammarErrorText, EndsAfter127BytesWhateverTheToken) {
 TEST(GrammarErrorText, EndsAfter127BytesOfAHugeToken) {
     const std::string token(1'000'000, '8');
 
-    EXPECT_EQ(parsed(token).error, errorAt(token).substr(0, kLongestMessage));
+    EXPECT_EQ(parsedByGrammar(token).error, errorAt(token).substr(0, kLongestMessage));
 }
 
 TEST(GrammarErrorText, HasNothingOfALongerMessageBeforeIt) {
-    parsed(std::string(200, '1'));
+    parsedByGrammar(std::string(200, '1'));
 
-    EXPECT_EQ(parsed("POINT(1 2)").error, errorAt(")"));
+    EXPECT_EQ(parsedByGrammar("POINT(1 2)").error, errorAt(")"));
 }
 
 }  // namespace

@@ -14,6 +14,7 @@ set(VEXAKIT_SOURCES
     geometry/intersection/segment_distance.cpp
     geometry/intersection/segment_set.cpp
     geometry/range.cpp
+    geometry/range_by_vectors.cpp
     geometry/size.cpp
     geometry/walkers.cpp
     locks/inter_process_lock.cpp

@@ -1,5 +1,7 @@
 #include "geometry/range.h"
 
+#include "geometry/range_by_vectors.h"
+#include "geometry/run_walk.h"
 #include "geometry/walkers.h"
 #include "vexakit/geometry.h"
 
@@ -55,9 +57,9 @@ Range3d foldedRange(const List& list, RangeOfElement rangeOfElement) {
     return box;
 }
 
-}  // namespace
+// ---- Vertex by vertex --------------------------------------------------------------------------
 
-Range3d rangeOf(std::span<const Point3d> points) {
+Range3d foldedRangeOf(std::span<const Point3d> points) {
     if (points.empty()) return kEmptyRange;
 
     Range3d box = rangeOf(points.front());
@@ -65,16 +67,51 @@ Range3d rangeOf(std::span<const Point3d> points) {
     return box;
 }
 
+Range3d foldedRangeOf(const PointRun& run) {
+    return foldedRangeOf(verticesOf(run));
+}
+
+Range3d foldedRangeOf(const Path& path) {
+    return foldedRange(runsOf(path), [](const PointRun& run) { return foldedRangeOf(run); });
+}
+
+Range3d foldedRangeOf(const PathList& paths) {
+    return foldedRange(pathsOf(paths), [](const Path& path) { return foldedRangeOf(path); });
+}
+
+Range3d foldedRangeOf(const PolygonList& polygons) {
+    return foldedRange(polygonsOf(polygons),
+                       [](const PathList& polygon) { return foldedRangeOf(polygon); });
+}
+
+// ---- By the quickest way -----------------------------------------------------------------------
+
+// Vectors need some nanoseconds to get going.
+constexpr std::size_t kFewPoints = 12;
+
+template <class Structure>
+Range3d quickRangeOf(const Structure& structure) {
+    Range3d box;
+    if (!rangeByVectors(RunWalk{structure}, box)) box = foldedRangeOf(structure);
+    return box;
+}
+
+}  // namespace
+
+Range3d rangeOf(std::span<const Point3d> points) {
+    return points.size() < kFewPoints ? foldedRangeOf(points) : quickRangeOf(points);
+}
+
 Range3d runRange(const PointRun& run) {
     return rangeOf(verticesOf(run));
 }
 
 Range3d pathRange(const Path& path) {
-    return foldedRange(runsOf(path), runRange);
+    return path.runCount == 1 ? runRange(*after<PointRun>(path)) : quickRangeOf(path);
 }
 
 Range3d pathListRange(const PathList& paths) {
-    return foldedRange(pathsOf(paths), pathRange);
+    return paths.pathCount == 1 ? pathRange(*after<Path>(paths)) : quickRangeOf(paths);
 }
 
 Range3d pointRange(const GeometryBuffer& point) {
@@ -98,7 +135,9 @@ Range3d multiLineRange(const GeometryBuffer& multiLine) {
 }
 
 Range3d multiPolygonRange(const GeometryBuffer& multiPolygon) {
-    return foldedRange(polygonsOf(polygonListOf(multiPolygon)), pathListRange);
+    const PolygonList& polygons = polygonListOf(multiPolygon);
+    return polygons.polygonCount == 1 ? pathListRange(*after<PathList>(polygons))
+                                      : quickRangeOf(polygons);
 }
 
 namespace {

@@ -66,6 +66,7 @@ public:
 
     CountedList(const Element* first, std::uint32_t count) : first_(first), count_(count) {}
     std::uint32_t size() const { return count_; }
+    const Element* first() const { return first_; }
     Iterator begin() const { return {first_, count_}; }
     Iterator end() const { return {nullptr, 0}; }
 

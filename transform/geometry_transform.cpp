@@ -1,6 +1,7 @@
 #include "geometry/layout.h"
+#include "geometry/run_walk.h"
 #include "geometry/walkers.h"
-#include "transform/matrix.h"
+#include "transform/run_transform.h"
 #include "vexakit/transform.h"
 
 #include <cstdlib>
@@ -10,16 +11,6 @@
 using namespace vexa;
 
 namespace {
-
-// The walkers show a buffer as it is read; the vertices of the caller's own buffer may be written.
-void transformPoints(const Transform& transform, std::span<const Point3d> points) {
-    auto* const vertices = const_cast<Point3d*>(points.data());
-    applyTransformToPoints(transform, vertices, vertices, static_cast<std::int32_t>(points.size()));
-}
-
-void transformPath(const Transform& transform, const Path& path) {
-    for (const PointRun& run : runsOf(path)) transformPoints(transform, verticesOf(run));
-}
 
 struct FreeArray {
     void operator()(const PathList** polygons) const noexcept { std::free(polygons); }
@@ -42,25 +33,22 @@ PolygonArray polygonStarts(const PolygonList& list) {
     return starts;
 }
 
-/// A walk over the rings of one polygon that its own counts do not bound. It stays before the end of
-/// the list, whatever the words say that it takes for counts.
+/// A walk over the runs of one polygon that its own counts do not bound. It stays before the end of
+/// the list, whatever the words say that it takes for counts. A word is read when the walk gets there:
+/// what has been transformed before may have changed it.
 class RingWalk {
 public:
-    RingWalk(const Transform& transform, const PathList& polygon, const void* end)
-        : transform_(transform),
-          position_(reinterpret_cast<const std::byte*>(&polygon + 1)),
+    RingWalk() = default;
+    RingWalk(const PathList& polygon, const void* end)
+        : position_(reinterpret_cast<const std::byte*>(&polygon + 1)),
           left_(bytesBetween(position_, end)) {}
 
-    // The bound is the word that follows a ring, not the polygon's count of rings.
-    void run() {
-        std::uint32_t runCount = wordHere();
-        if (runCount == 0) return;
-
-        std::uint32_t ringsDone = 0;
-        do {
-            if (!transformRing(runCount)) return;
-            runCount = wordHere();
-        } while (++ringsDone < runCount);
+    bool next(std::span<const Point3d>& vertices) {
+        while (runsLeft_ == 0) {
+            if (!nextRing()) return false;
+        }
+        --runsLeft_;
+        return nextRun(vertices);
     }
 
 private:
@@ -70,17 +58,21 @@ private:
                                              : *reinterpret_cast<const std::uint32_t*>(position_);
     }
 
-    bool transformRing(std::uint32_t runCount) {
-        if (!advance(sizeof(Path))) return false;
-        for (; runCount != 0; --runCount) {
-            if (left_ < sizeof(PointRun)) return false;
-
-            const auto& run = *reinterpret_cast<const PointRun*>(position_);
-            const std::span<const Point3d> vertices = verticesOf(run);
-            if (!advance(sizeof(PointRun) + vertices.size_bytes())) return false;
-            transformPoints(transform_, vertices);
-        }
+    // The bound is the word that the next ring starts with, not the polygon's count of rings.
+    bool nextRing() {
+        const std::uint32_t runCount = wordHere();
+        if (ringsBegun_ >= runCount || !advance(sizeof(Path))) return end();
+        ++ringsBegun_;
+        runsLeft_ = runCount;
         return true;
+    }
+
+    bool nextRun(std::span<const Point3d>& vertices) {
+        if (left_ < sizeof(PointRun)) return end();
+
+        const auto& run = *reinterpret_cast<const PointRun*>(position_);
+        vertices = verticesOf(run);
+        return advance(sizeof(PointRun) + vertices.size_bytes()) || end();
     }
 
     bool advance(std::size_t bytes) {
@@ -90,10 +82,43 @@ private:
         return true;
     }
 
-    const Transform& transform_;
-    const std::byte* position_;
-    std::size_t left_;
+    bool end() {
+        left_ = 0;
+        runsLeft_ = 0;
+        return false;
+    }
+
+    const std::byte* position_ = nullptr;
+    std::size_t left_ = 0;
+    std::uint32_t ringsBegun_ = 0;
+    std::uint32_t runsLeft_ = 0;
 };
+
+/// The runs of all polygons of a list, whose places are settled beforehand: a walk may take
+/// coordinates for counts, and what it then changes must not lead the next one astray.
+class PolygonWalk {
+public:
+    /// @param starts  where each polygon starts and where the list ends
+    explicit PolygonWalk(std::span<const PathList* const> starts) : starts_(starts) {}
+
+    bool next(std::span<const Point3d>& vertices) {
+        while (!rings_.next(vertices)) {
+            if (starts_.size() <= 1) return false;
+            rings_ = RingWalk{*starts_.front(), starts_.back()};
+            starts_ = starts_.subspan(1);
+        }
+        return true;
+    }
+
+private:
+    std::span<const PathList* const> starts_;
+    RingWalk rings_;
+};
+
+template <class Walk>
+void transformInPlace(const Transform& transform, const Walk& walk) {
+    transformRuns(transform, MovesInPlace<Walk>(walk));
+}
 
 }  // namespace
 
@@ -106,16 +131,14 @@ uint32_t vexaWKB_transformPoint(const Transform* transform, GeometryBuffer* geom
 uint32_t vexaWKB_transformLine(const Transform* transform, GeometryBuffer* geometry) {
     if (!transform || !geometry) return kFailure;
 
-    const Transform copy = *transform;
-    transformPath(copy, pathOf(*geometry));
+    transformInPlace(*transform, RunWalk{pathOf(*geometry)});
     return kSuccess;
 }
 
 uint32_t vexaWKB_transformPolygon(const Transform* transform, GeometryBuffer* geometry) {
     if (!transform || !geometry) return kFailure;
 
-    const Transform copy = *transform;
-    for (const Path& path : pathsOf(pathListOf(*geometry))) transformPath(copy, path);
+    transformInPlace(*transform, RunWalk{pathListOf(*geometry)});
     return kSuccess;
 }
 
@@ -125,23 +148,19 @@ extern "C" [[gnu::alias("vexaWKB_transformPolygon")]] uint32_t vexaWKB_transform
 uint32_t vexaWKB_transformMultiPoint(const Transform* transform, GeometryBuffer* geometry) {
     if (!transform || !geometry) return kFailure;
 
-    transformPoints(*transform, pointsOf(pointArrayOf(*geometry)));
+    transformInPlace(*transform, RunWalk{pointsOf(pointArrayOf(*geometry))});
     return kSuccess;
 }
 
-// The polygons' places are settled first: a walk may take coordinates for counts, and what it then
-// changes must not lead the next one astray.
 uint32_t vexaWKB_transformMultiPolygon(const Transform* transform, GeometryBuffer* geometry) {
     if (!transform || !geometry) return kFailure;
 
-    const Transform copy = *transform;
     const PolygonList& list = polygonListOf(*geometry);
-    const std::uint32_t count = list.polygonCount;
+    const std::size_t count = list.polygonCount;
     const PolygonArray starts = polygonStarts(list);
     if (!starts) return kFailure;
 
-    const void* const end = starts.get()[count];
-    for (std::uint32_t i = 0; i < count; ++i) RingWalk{copy, *starts.get()[i], end}.run();
+    transformInPlace(*transform, PolygonWalk{{starts.get(), count + 1}});
     return kSuccess;
 }
 

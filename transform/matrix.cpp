@@ -1,10 +1,12 @@
 #include "transform/matrix.h"
 
 #include "geometry/layout.h"
+#include "transform/run_transform.h"
 #include "transform/vector.h"
 #include "vexakit/transform.h"
 
 #include <cmath>
+#include <cstddef>
 
 namespace vexa {
 
@@ -84,10 +86,19 @@ void applyTransformToPoint(const Transform& transform, Point3d* out, const Point
     *out = applied(transform, *in);
 }
 
+namespace {
+
+// Coefficients have to be spread before the first step, which few points do not make up for.
+platform::VectorWidth widthWorthwhile(std::int32_t points) {
+    if (points < 4) return platform::VectorWidth::Plain;
+    return points < 8 ? platform::VectorWidth::Avx2 : platform::VectorWidth::Avx512;
+}
+
+}  // namespace
+
 void applyTransformToPoints(const Transform& transform, Point3d* out, const Point3d* in,
                             std::int32_t count) {
-    const Transform copy = transform;  // may lie among the points
-    for (std::int32_t i = 0; i < count; ++i) out[i] = applied(copy, in[i]);
+    transformRuns(transform, OneMove({out, in, count}), widthWorthwhile(count));
 }
 
 Transform invertRigidTransform(const Transform& transform) {

@@ -30,6 +30,7 @@ set(VEXAKIT_SOURCES
     platform/vector_width.cpp
     strings/conversion.cpp
     strings/copying.cpp
+    strings/delimiters.cpp
     strings/environment.cpp
     strings/formatting.cpp
     strings/fractions.cpp
@@ -40,6 +41,7 @@ set(VEXAKIT_SOURCES
     strings/multibyte_text.cpp
     strings/multibyte_tokens.cpp
     strings/release.cpp
+    strings/short_tokens.cpp
     strings/wide_editing.cpp
     strings/wide_numbers.cpp
     strings/wide_paths.cpp
@@ -80,6 +82,7 @@ set(VEXAKIT_CODE_PAGE_SOURCES
     platform/posix/code_pages.cpp
     platform/posix/locale_charset.cpp
     platform/posix/utf8.cpp
+    platform/posix/utf8_by_vectors.cpp
     platform/posix/wide_classes.cpp
     platform/posix/wide_length.cpp
     platform/posix/wide_to_code_page.cpp

@@ -1,4 +1,6 @@
+#include "strings/delimiters.h"
 #include "strings/multibyte_text.h"
+#include "strings/short_tokens.h"
 #include "vexakit/strings.h"
 #include "vexakit/types.h"
 
@@ -14,32 +16,40 @@ bool isEmpty(const char* text) {
 
 struct Token {
     const char* start;
-    size_t size;
-    /// Behind the delimiter; null where the list ended the token.
-    const char* next;
-};
+    /// The delimiter, or the terminator of the list.
+    const char* end;
 
-// The bytes that end a token.
-class Delimiters {
-public:
-    explicit Delimiters(const char* bytes) : bytes_(bytes) {}
-
-    [[nodiscard]] bool contain(char byte) const {
-        return byte != '\0' && std::strchr(bytes_, byte) != nullptr;
-    }
-
-private:
-    const char* bytes_;
+    [[nodiscard]] std::size_t size() const { return static_cast<std::size_t>(end - start); }
+    [[nodiscard]] bool isLast() const { return *end == '\0'; }
 };
 
 /// @param list  not empty
-Token firstToken(const char* list, const Delimiters& delimiters) {
+Token firstToken(const char* list, Delimiters delimiters) {
+    const char* end = delimiters.endOfToken(list);
     // One only: of two delimiters that follow each other the second starts an empty token.
-    if (delimiters.contain(*list) && firstCharacter(list).bytes == 1) ++list;
+    if (end == list && firstCharacter(list).bytes == 1) end = delimiters.endOfToken(++list);
+    return {list, end};
+}
 
-    const char* end = list;
-    while (*end != '\0' && !delimiters.contain(*end)) end += firstCharacter(end).bytes;
-    return {list, static_cast<size_t>(end - list), *end == '\0' ? nullptr : end + 1};
+// By itself, so that the way of short tokens keeps its few values in registers.
+[[gnu::noinline]] TokenEnd takeTokenOfAnyLength(const char* list, Delimiters delimiters,
+                                                char* token) {
+    const Token first = firstToken(list, delimiters);
+    // The token may come to lie over the end.
+    const TokenEnd end = {first.end, first.isLast()};
+    std::memmove(token, first.start, first.size());
+    token[first.size()] = '\0';
+    return end;
+}
+
+/// @param list  not empty
+TokenEnd takeToken(const char* list, Delimiters delimiters, char* token) {
+    if (delimiters.areSimple()) {
+        const TokenEnd end = takeShortToken(list, delimiters.four(), token);
+        if (end.at) [[likely]]
+            return end;
+    }
+    return takeTokenOfAnyLength(list, delimiters, token);
 }
 
 }  // namespace
@@ -47,10 +57,14 @@ Token firstToken(const char* list, const Delimiters& delimiters) {
 uint32_t string_getTokenA(const char* source, const char* delimiters, char* token, char** next) {
     if (isEmpty(source) || isEmpty(delimiters) || !token) return VEXA_FAILURE;
 
-    const Token first = firstToken(source, Delimiters(delimiters));
-    std::memmove(token, first.start, first.size);
-    token[first.size] = '\0';
-    if (next) *next = const_cast<char*>(first.next);
+    const TokenEnd end = takeToken(source, Delimiters(delimiters), token);
+    // A branch that is foreseen: the next call need not wait for the byte at the end.
+    constexpr double kHardlyEver = 0.995;
+    if (next && __builtin_expect_with_probability(end.isEndOfList, false, kHardlyEver)) {
+        *next = nullptr;
+    } else if (next) {
+        *next = const_cast<char*>(end.at + 1);
+    }
     return VEXA_SUCCESS;
 }
 
@@ -60,7 +74,10 @@ uint32_t string_getTokenCountA(const char* source, const char* delimiters, uint3
     uint32_t tokens = 0;
     if (!isEmpty(delimiters)) {
         const Delimiters set(delimiters);
-        for (const char* rest = source; !isEmpty(rest); rest = firstToken(rest, set).next) ++tokens;
+        for (const char* rest = source; !isEmpty(rest); ++tokens) {
+            const Token token = firstToken(rest, set);
+            rest = token.isLast() ? nullptr : token.end + 1;
+        }
     }
     *count = tokens;
     return VEXA_SUCCESS;

@@ -2,12 +2,22 @@
 #include "platform/posix/code_page_tables.h"
 #include "platform/posix/code_pages.h"
 #include "platform/posix/utf8.h"
+#include "platform/vector_width.h"
 
 #include <algorithm>
 #include <cstddef>
 #include <cstring>
 #include <limits>
 #include <span>
+
+#if VEXAKIT_HAS_WIDE_VECTORS
+// The compiler's own vector functions leave undefined on purpose what no lane of the result takes.
+#if defined(__GNUC__) && !defined(__clang__)
+#pragma GCC diagnostic ignored "-Wuninitialized"
+#pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
+#endif
+#include <immintrin.h>
+#endif
 
 namespace vexa::platform {
 
@@ -51,10 +61,60 @@ std::size_t sizeIn(const CodePage& page, Text text) {
     return wideSize(text);
 }
 
-std::size_t convert(const tables::SingleBytePage& page, Text text, Room room) {
-    const std::size_t count = std::min(text.size(), room.size());
-    const char* const bytes = text.data();
-    VexaWChar* const units = room.data();
+#if VEXAKIT_HAS_WIDE_VECTORS
+
+constexpr std::size_t kUnitsOfVector = 32;
+constexpr std::size_t kBytesOfStep = 64;
+
+/// The units of the bytes beyond ASCII: the low ones and the high ones of them, sixty-four each.
+struct UpperUnits {
+    __m512i low[2];
+    __m512i high[2];
+};
+
+// A permutation looks at the lowest six bits of a byte.
+VEXAKIT_AVX512 [[gnu::always_inline]] inline __m512i unitsOf(const UpperUnits& upper,
+                                                             __m256i bytes) {
+    const __m512i codes = _mm512_cvtepu8_epi16(bytes);
+    const __m512i low = _mm512_permutex2var_epi16(upper.low[0], codes, upper.low[1]);
+    const __m512i high = _mm512_permutex2var_epi16(upper.high[0], codes, upper.high[1]);
+    const __mmask32 areHigh = _mm512_test_epi16_mask(codes, _mm512_set1_epi16(0x40));
+    const __m512i beyond = _mm512_mask_mov_epi16(low, areHigh, high);
+    return _mm512_mask_mov_epi16(codes, _mm256_movepi8_mask(bytes), beyond);
+}
+
+VEXAKIT_AVX512 void convertByAvx512(const tables::SingleBytePage& page, const char* bytes,
+                                    std::size_t count, VexaWChar* units) {
+    const std::uint16_t* const table = page.units + 0x80;
+    const UpperUnits upper = {
+        {_mm512_loadu_si512(table), _mm512_loadu_si512(table + kUnitsOfVector)},
+        {_mm512_loadu_si512(table + 2 * kUnitsOfVector),
+         _mm512_loadu_si512(table + 3 * kUnitsOfVector)}};
+    for (; count >= kBytesOfStep;
+         count -= kBytesOfStep, bytes += kBytesOfStep, units += kBytesOfStep) {
+        const __m512i both = _mm512_loadu_si512(bytes);
+        const __m256i first = _mm512_castsi512_si256(both);
+        const __m256i second = _mm512_extracti64x4_epi64(both, 1);
+        if (_mm512_movepi8_mask(both) == 0) {
+            _mm512_storeu_si512(units, _mm512_cvtepu8_epi16(first));
+            _mm512_storeu_si512(units + kUnitsOfVector, _mm512_cvtepu8_epi16(second));
+        } else {
+            _mm512_storeu_si512(units, unitsOf(upper, first));
+            _mm512_storeu_si512(units + kUnitsOfVector, unitsOf(upper, second));
+        }
+    }
+    for (std::size_t done = 0; done < count; done += kUnitsOfVector) {
+        const auto most = static_cast<unsigned>(std::min(count - done, kUnitsOfVector));
+        const __mmask32 here = _bzhi_u32(~0U, most);
+        const __m256i some = _mm256_maskz_loadu_epi8(here, bytes + done);
+        _mm512_mask_storeu_epi16(units + done, here, unitsOf(upper, some));
+    }
+}
+
+#endif
+
+void convertPlainly(const tables::SingleBytePage& page, const char* bytes, std::size_t count,
+                    VexaWChar* units) {
     const auto convertAt = [=, &page](std::size_t i) {
         units[i] = page.units[static_cast<unsigned char>(bytes[i])];
     };
@@ -67,6 +127,19 @@ std::size_t convert(const tables::SingleBytePage& page, Text text, Room room) {
         i += kAtOnce;
     }
     for (; i < count; ++i) convertAt(i);
+}
+
+std::size_t convert(const tables::SingleBytePage& page, Text text, Room room) {
+    const std::size_t count = std::min(text.size(), room.size());
+#if VEXAKIT_HAS_WIDE_VECTORS
+    if (vectorWidth() == VectorWidth::Avx512) {
+        convertByAvx512(page, text.data(), count, room.data());
+    } else {
+        convertPlainly(page, text.data(), count, room.data());
+    }
+#else
+    convertPlainly(page, text.data(), count, room.data());
+#endif
     return count == text.size() ? count : 0;
 }
 

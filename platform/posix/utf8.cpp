@@ -1,8 +1,10 @@
 #include "platform/posix/utf8.h"
 
 #include "platform/posix/ascii_runs.h"
+#include "platform/posix/utf8_by_vectors.h"
 
 #include <algorithm>
+#include <cstddef>
 
 namespace vexa::platform {
 
@@ -168,26 +170,55 @@ std::size_t sizeOf(char32_t code, const VexaWChar* /*out*/) {
     return unitsOf(code);
 }
 
-// Runs of ASCII go block by block, everything else character by character. What is not ASCII seldom
-// stands alone, so blocks are tried again only where two ASCII characters follow each other.
+Progress<VexaWChar, char> convertByVectors(const VexaWChar* from, const VexaWChar* end, char* to,
+                                           const char* limit) {
+    return wideToUtf8ByVectors(from, end, to, limit);
+}
+
+Progress<char, VexaWChar> convertByVectors(const char* from, const char* end, VexaWChar* to,
+                                           const VexaWChar* limit) {
+    return utf8ToWideByVectors(from, end, to, limit);
+}
+
+// Vectors take what is less than a block of ASCII along with all else.
+template <typename From>
+bool startsWithBlock(const From* from, const From* end) {
+    return end - from >= static_cast<std::ptrdiff_t>(kAtOnce) && areAscii(from);
+}
+
+// What is not ASCII seldom stands alone, so blocks are tried again only where two ASCII characters
+// follow each other.
+template <typename From>
+bool startsWithTwo(const From* from, const From* end) {
+    return end - from > 1 && isAscii(from[0]) && isAscii(from[1]);
+}
+
+// Runs of ASCII go block by block, everything else by vectors, or character by character where there
+// are none, where the room comes to its end, and where there is no character.
 template <typename From, typename To>
 std::size_t convert(std::span<const From> text, std::span<To> room) {
+    const bool hasVectors = hasUtf8Vectors();
     const From* from = text.data();
     const From* const end = from + text.size();
     To* to = room.data();
     To* const limit = to + room.size();
     while (from != end) {
-        const auto left = static_cast<std::size_t>(end - from);
-        const auto space = static_cast<std::size_t>(limit - to);
-        if (left > 1 && isAscii(from[0]) && isAscii(from[1])) {
-            const std::size_t ascii = copyAscii(from, std::min(left, space), to);
+        if (hasVectors ? startsWithBlock(from, end) : startsWithTwo(from, end)) {
+            const auto most = std::min(end - from, limit - to);
+            const std::size_t ascii = copyAscii(from, static_cast<std::size_t>(most), to);
             if (ascii == 0) return 0;
             from += ascii;
             to += ascii;
             continue;
         }
-        const auto [code, length] = firstOf(from, left);
-        if (space < sizeOf(code, to)) return 0;
+        if (hasVectors) {
+            const auto reached = convertByVectors(from, end, to, limit);
+            from = reached.from;
+            to = reached.to;
+            if (from == end) break;
+        }
+        const auto [code, length] = firstOf(from, static_cast<std::size_t>(end - from));
+        if (static_cast<std::size_t>(limit - to) < sizeOf(code, to)) return 0;
         to += put(code, to);
         from += length;
     }

@@ -1,8 +1,10 @@
 #include "platform/wide_characters.h"
 
+#include "tests/support/fenced_block.h"
 #include "tests/support/wide_text.h"
 
 #include <algorithm>
+#include <cstddef>
 
 #include <gtest/gtest.h>
 
@@ -58,6 +60,45 @@ TEST(WideLength, CountsTheUnitsBeforeTheTerminator) {
             const WideString text = WideString(start + size, 0x0100);
             ASSERT_EQ(platform::wideLength(text.c_str() + start), size);
         }
+    }
+}
+
+// Units of half a zero are none, nor do those count that stand before the text or behind its terminator.
+TEST(WideLength, IsTheSameWhereverTheTextLies) {
+    constexpr std::size_t kRoom = 512;
+    for (const VexaWChar unit : {VexaWChar{0x0100}, VexaWChar{0x00FF}, VexaWChar{0xFFFF}}) {
+        for (std::size_t place = 0; place < 70; ++place) {
+            for (std::size_t size = 0; size < 140; ++size) {
+                alignas(64) VexaWChar room[kRoom] = {};
+                std::fill_n(room + place, size, unit);
+                std::fill_n(room + place + size + 1, 50, unit);
+                ASSERT_EQ(platform::wideLength(room + place), size) << "at " << place;
+            }
+        }
+    }
+}
+
+TEST(WideLength, ReadsNoPageAroundTheText) {
+    for (std::size_t size = 0; size < 140; ++size) {
+        const WideString text(size, 'x');
+        const std::size_t bytes = (size + 1) * sizeof(VexaWChar);
+        for (const Fence fence : {Fence::Before, Fence::Behind}) {
+            const FencedBlock block{text.c_str(), bytes, fence};
+            ASSERT_EQ(platform::wideLength(block.as<VexaWChar>()), size);
+            for (std::size_t most = 0; most <= size + 1; ++most) {
+                ASSERT_EQ(platform::wideLengthWithin(block.as<VexaWChar>(), most),
+                          std::min(size, most));
+            }
+        }
+    }
+}
+
+// There need be no terminator among so many units, and no memory behind them.
+TEST(WideLength, ReadsNoPageBehindTheMost) {
+    for (std::size_t most = 0; most < 140; ++most) {
+        const WideString text(most, 'x');
+        const FencedBlock block{text.c_str(), most * sizeof(VexaWChar), Fence::Behind};
+        ASSERT_EQ(platform::wideLengthWithin(block.as<VexaWChar>(), most), most);
     }
 }
 

@@ -3,16 +3,29 @@
 set(VEXAKIT_SOURCES
     geometry/accessors.cpp
     geometry/construction.cpp
+    geometry/intersection/aligned_edges.cpp
     geometry/intersection/dispatch.cpp
     geometry/intersection/edge_crossings.cpp
+    geometry/intersection/equal_points.cpp
+    geometry/intersection/level_lines.cpp
+    geometry/intersection/level_point.cpp
+    geometry/intersection/level_rings.cpp
+    geometry/intersection/level_shapes.cpp
+    geometry/intersection/line_cells.cpp
     geometry/intersection/pair_tests.cpp
     geometry/intersection/pairwise.cpp
     geometry/intersection/polygon_polygon.cpp
+    geometry/intersection/polygon_tests.cpp
     geometry/intersection/prepared_polygon.cpp
     geometry/intersection/ring_classification.cpp
     geometry/intersection/ring_frame.cpp
     geometry/intersection/segment_distance.cpp
+    geometry/intersection/segment_pairs.cpp
     geometry/intersection/segment_set.cpp
+    geometry/intersection/stretches.cpp
+    geometry/intersection/sure_segments.cpp
+    geometry/intersection/sure_triangle_pairs.cpp
+    geometry/intersection/sure_triangles.cpp
     geometry/range.cpp
     geometry/range_by_vectors.cpp
     geometry/size.cpp

@@ -1,5 +1,8 @@
 #include "geometry/intersection/edge_crossings.h"
 
+#include "geometry/intersection/aligned_edges.h"
+#include "geometry/intersection/stretches.h"
+
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -90,6 +93,52 @@ bool EdgesCross(const Polyline& e, const Polyline& r) {
             return edgesCross(startE, endE, startR, endR);
         });
     });
+}
+
+// ---- Two long polylines -------------------------------------------------------------------------
+
+namespace {
+
+/// Edges that are farther apart than this, in units of the largest coordinate, are told to cross for a
+/// rounding's sake alone. Where the lines of two edges meet at an angle of more than 1e-7, roundings move
+/// the place by at most 4e-8; at a smaller angle each has to lie along the other's line.
+constexpr double kFarApart = 1e-7;
+
+bool edgesByStartCross(const Point3d* e, const Point3d* r) {
+    return edgesCross(e[0], e[1], r[0], r[1]);
+}
+
+bool anyNearEdgesCross(Points e, const Range3d& boxOfE, Points r, const Range3d& boxOfR,
+                       const NearFilter& filter, std::pmr::memory_resource* memory) {
+    const StretchTree ofE{RunWalk{e}, boxOfR, filter, memory};
+    const StretchTree ofR{RunWalk{r}, boxOfE, filter, memory};
+    return !ofE.isEmpty() && !ofR.isEmpty() &&
+           anyPairNear(ofE.tree(), ofE.tree().root(), ofR.tree(), ofR.tree().root(),
+                       filter.margin(), [&](std::size_t i, std::size_t j) {
+                           return anyPairOfStretches(ofE[i], ofR[j], filter, edgesByStartCross);
+                       });
+}
+
+}  // namespace
+
+bool openPolylinesCross(Points e, Points r, std::pmr::memory_resource* memory) {
+    constexpr std::size_t kFewPairs = 256;
+    const auto eachPair = [&] { return EdgesCross({e, false}, {r, false}); };
+    if (e.size() * r.size() <= kFewPairs) return eachPair();
+
+    const std::optional<Range3d> boxOfE = plainRange(RunWalk{e});
+    const std::optional<Range3d> boxOfR = plainRange(RunWalk{r});
+    if (!boxOfE || !boxOfR) return eachPair();
+    const double largest = std::max(largestCoordinate(*boxOfE), largestCoordinate(*boxOfR));
+    if (largest <= kLostDistance) return eachPair();
+
+    try {
+        const NearFilter filter{kFarApart * largest};
+        return anyNearEdgesCross(e, *boxOfE, r, *boxOfR, filter, memory) ||
+               AlignedEdges{e, r, largest, memory}.any(edgesByStartCross);
+    } catch (const std::bad_alloc&) {
+        return eachPair();
+    }
 }
 
 // ---- A ring that is asked again and again -------------------------------------------------------

@@ -19,6 +19,11 @@ struct Polyline {
 /// Whether some edge of one polyline crosses some edge of the other. Parallel edges never do.
 bool EdgesCross(const Polyline& e, const Polyline& r);
 
+/// The same for two open polylines in one plane, whose z is 0 up to rounding, without a look at each pair.
+/// Without memory for that each pair is looked at.
+bool openPolylinesCross(std::span<const Point3d> e, std::span<const Point3d> r,
+                        std::pmr::memory_resource* memory);
+
 /// The edges of a ring in a local frame, with boxes over them where their coordinates are finite, so
 /// that what lies elsewhere is not looked at.
 class RingEdges {

@@ -1,5 +1,6 @@
 #include "geometry/intersection/pair_tests.h"
 #include "geometry/intersection/segment_distance.h"
+#include "geometry/intersection/sure_answers.h"
 #include "geometry/range.h"
 #include "vexakit/intersection.h"
 
@@ -67,12 +68,34 @@ Outcome innerTest(const GeometryBuffer& first, const GeometryBuffer& second, con
     }
 }
 
+/// What is known at once of pairs of the smallest shapes. Such shapes have segments and rings, so that
+/// the caller's result is always written.
+template <VexaGeometryType First, VexaGeometryType Second>
+Sure sureAnswer(const GeometryBuffer& first, const GeometryBuffer& second, double tolerance) {
+    if constexpr (First == VEXA_LINESTRING && Second == VEXA_LINESTRING) {
+        return segmentAndSegment(pathOf(first), pathOf(second), tolerance);
+    } else if constexpr (First == VEXA_POINT && Second == VEXA_POLYGON) {
+        return pointAndTriangle(pointOf(first), pathListOf(second), tolerance);
+    } else if constexpr (First == VEXA_LINESTRING && Second == VEXA_POLYGON) {
+        return segmentAndTriangle(pathOf(first), pathListOf(second), tolerance);
+    } else if constexpr (First == VEXA_POLYGON && Second == VEXA_POLYGON) {
+        return triangleAndTriangle(pathListOf(first), pathListOf(second));
+    } else {
+        return Sure::Unsure;
+    }
+}
+
 template <VexaGeometryType First, VexaGeometryType Second, std::uint32_t WithoutMemory,
           Order InnerOrder = Order::AsNamed>
 std::uint32_t intersect(const GeometryBuffer* first, const GeometryBuffer* second, double tolerance,
                         std::uint32_t* result) {
     if (!first || !second || !result) return kFailure;
 
+    const Sure sure = sureAnswer<First, Second>(*first, *second, tolerance);
+    if (sure != Sure::Unsure) {
+        *result = sure == Sure::Meeting ? 1 : 0;
+        return kSuccess;
+    }
     if (!RangesOverlap(Kind<First>::kRange(*first), Kind<Second>::kRange(*second))) {
         *result = 0;
         return kSuccess;

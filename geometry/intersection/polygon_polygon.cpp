@@ -45,11 +45,7 @@ bool coplanarRingsMeet(Points a, Points bInA, RingClassifier& inA, Points b, Poi
     RingClassifier inB{b, tolerance, memory};
     if (isInsideOrOn(inB.classify(aInB.front()))) return true;
 
-    const RingEdges edges{bInA, memory};
-    for (std::size_t i = 1; i < a.size(); ++i) {
-        if (edges.areCrossedBy(a[i - 1], a[i], false)) return true;
-    }
-    return false;
+    return openPolylinesCross(a, bInA, memory);
 }
 
 /// Whether a moving ring meets a fixed one: both in the fixed one's frame, where z is the height above
@@ -85,9 +81,9 @@ bool meetsOutsideThePlane(Points moving, Points fixed, RingClassifier& inFixed, 
 }  // namespace
 
 FramedRing::FramedRing(const Path* ring, std::pmr::memory_resource* memory)
-    : world(verticesOfRing(ring, memory)), frame(FitRingFrame(world)), local(memory) {
+    : world(ring, memory), frame(FitRingFrame(world.get())), local(memory) {
     if (!frame) return;
-    local = transformed(frame->toLocal, world, memory);
+    local = transformed(frame->toLocal, world.get(), memory);
     localBox = rangeOf(local);
 }
 
@@ -95,8 +91,8 @@ bool PolygonsIntersect(const FramedRing& a, const FramedRing& b,
                        std::pmr::memory_resource* memory) {
     if (!a.frame || !b.frame) return false;
 
-    const auto bInA = transformed(a.frame->toLocal, b.world, memory);
-    const auto aInB = transformed(b.frame->toLocal, a.world, memory);
+    const auto bInA = transformed(a.frame->toLocal, b.world.get(), memory);
+    const auto aInB = transformed(b.frame->toLocal, a.world.get(), memory);
     const Range3d boxOfBInA = rangeOf(bInA);
     const Range3d boxOfAInB = rangeOf(aInB);
     if (!RangesOverlap(a.localBox, boxOfBInA) || !RangesOverlap(b.localBox, boxOfAInB)) {

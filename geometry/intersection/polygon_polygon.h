@@ -1,5 +1,6 @@
 #pragma once
 
+#include "geometry/intersection/prepared_polygon.h"
 #include "geometry/intersection/ring_frame.h"
 #include "geometry/layout.h"
 
@@ -13,7 +14,7 @@ namespace vexa {
 struct FramedRing {
     FramedRing(const Path* ring, std::pmr::memory_resource* memory);
 
-    std::pmr::vector<Point3d> world;
+    RingVertices world;
     std::optional<RingFrame> frame;
     /// In the ring's own frame, where it has one.
     std::pmr::vector<Point3d> local;

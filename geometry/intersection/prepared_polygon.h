@@ -4,15 +4,39 @@
 #include "geometry/intersection/ring_classification.h"
 #include "geometry/intersection/ring_frame.h"
 #include "geometry/layout.h"
+#include "geometry/walkers.h"
 
 #include <memory_resource>
 #include <optional>
+#include <span>
 #include <vector>
 
 namespace vexa {
 
 /// The vertices of all runs of a ring, one after the other; none for no ring.
 std::pmr::vector<Point3d> verticesOfRing(const Path* ring, std::pmr::memory_resource* memory);
+
+/// The vertices of a ring as they lie in the buffer, or in a copy where they lie in several runs.
+class RingVertices {
+public:
+    RingVertices(const Path* ring, std::pmr::memory_resource* memory) : copy_(memory) {
+        if (ring && ring->runCount == 1) {
+            vertices_ = verticesOf(*after<PointRun>(*ring));
+        } else {
+            copy_ = verticesOfRing(ring, memory);
+            vertices_ = copy_;
+        }
+    }
+    RingVertices(const RingVertices&) = delete;
+    RingVertices& operator=(const RingVertices&) = delete;
+    ~RingVertices() = default;
+
+    std::span<const Point3d> get() const { return vertices_; }
+
+private:
+    std::pmr::vector<Point3d> copy_;
+    std::span<const Point3d> vertices_;
+};
 
 /// The first ring of a polygon, or null.
 const Path* outerRing(const PathList& polygon);

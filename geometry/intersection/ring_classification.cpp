@@ -219,12 +219,18 @@ void RingClassifier::makeIndex() {
                          std::none_of(ring_.begin(), ring_.end(), isSeparator);
     if (!isPlain) return;
 
+    isIndexed_ = isFilled(byHeight_);
+}
+
+// Without memory for an index the ring is still there to be walked.
+bool RingClassifier::isFilled(Bands& bands) {
+    if (!bands.starts.empty()) return true;
     try {
-        fill(byHeight_);
-        fill(byAbscissa_);
-        isIndexed_ = true;
+        fill(bands);
+        return true;
     } catch (const std::bad_alloc&) {
-        // Without memory for an index the ring is still there to be walked.
+        bands.starts.clear();
+        return false;
     }
 }
 
@@ -276,7 +282,7 @@ void RingClassifier::fill(Bands& bands) const {
 
 // An edge that does not stand in the point's band is not crossed and ends at no level vertex: those
 // that do give all that the whole ring would, in the same order.
-Side RingClassifier::classifyByIndex(const Point3d& point) const {
+Side RingClassifier::classifyByIndex(const Point3d& point) {
     const auto countedInBand = [&](const Bands& bands,
                                    const LevelLine& line) -> std::optional<Side> {
         const Sighting last = line(ring_.back());
@@ -292,8 +298,12 @@ Side RingClassifier::classifyByIndex(const Point3d& point) const {
         return count.side();
     };
     if (const auto side = countedInBand(byHeight_, horizontal(point))) return *side;
-    if (const auto side = countedInBand(byAbscissa_, vertical(point))) return *side;
-    return withoutLevelLines(point, ring_, tolerance_);
+    // Few points are level with a vertex: what tells of these is made when the first of them comes.
+    const LevelLine upright = vertical(point);
+    const auto side = isFilled(byAbscissa_)
+                          ? countedInBand(byAbscissa_, upright)
+                          : countedAlong(ring_, upright.place(), tolerance_, upright);
+    return side ? *side : withoutLevelLines(point, ring_, tolerance_);
 }
 
 }  // namespace vexa

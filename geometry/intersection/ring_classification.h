@@ -57,8 +57,9 @@ private:
     };
 
     void makeIndex();
+    bool isFilled(Bands& bands);
     void fill(Bands& bands) const;
-    Side classifyByIndex(const Point3d& point) const;
+    Side classifyByIndex(const Point3d& point);
 
     std::span<const Point3d> ring_;
     double tolerance_;

@@ -1,6 +1,8 @@
 #include "geometry/intersection/ring_frame.h"
 
+#include "geometry/intersection/stretches.h"
 #include "geometry/range.h"
+#include "platform/vector_width.h"
 #include "transform/vector.h"
 
 #include <algorithm>
@@ -58,6 +60,18 @@ Extremes widestExtremes(std::span<const Point3d> points) {
     return y.extent > x.extent ? y : x;
 }
 
+/// The same where all coordinates are plain numbers: their range tells the extents.
+Extremes widestExtremes(std::span<const Point3d> points, const Range3d& range) {
+    const Point3d extent = range.high - range.low;
+    if (extent.z > extent.x && extent.z > extent.y) return extremesAlong(&Point3d::z, points);
+    return extremesAlong(extent.y > extent.x ? &Point3d::y : &Point3d::x, points);
+}
+
+Point3d offsetFrom(const Point3d& origin, const Point3d& direction, const Point3d& point) {
+    const Point3d across = point - origin;
+    return across - direction * dot(across, direction);
+}
+
 /// The offset from a line of the point farthest from it; the first among equals.
 Point3d farthestOffset(std::span<const Point3d> points, const Extremes& line,
                        const Point3d& direction) {
@@ -66,8 +80,7 @@ Point3d farthestOffset(std::span<const Point3d> points, const Extremes& line,
     for (const Point3d& point : points) {
         if (&point == line.least || &point == line.greatest) continue;
 
-        const Point3d across = point - *line.least;
-        const Point3d offset = across - direction * dot(across, direction);
+        const Point3d offset = offsetFrom(*line.least, direction, point);
         const double square = dot(offset, offset);
         if (square > farthestSquare) {
             farthestSquare = square;
@@ -75,6 +88,63 @@ Point3d farthestOffset(std::span<const Point3d> points, const Extremes& line,
         }
     }
     return farthest;
+}
+
+constexpr std::size_t kBlock = 64;
+
+// Written so that a compiler makes vectors of it.
+[[gnu::always_inline]] inline double largestSquare(double* squares, const Point3d* points,
+                                                   std::size_t count, const Point3d& origin,
+                                                   const Point3d& direction) {
+    const Point3d from = origin;
+    const Point3d along = direction;
+    for (std::size_t i = 0; i < count; ++i) {
+        const Point3d offset = offsetFrom(from, along, points[i]);
+        squares[i] = dot(offset, offset);
+    }
+    double largest = -1;
+    for (std::size_t i = 0; i < count; ++i) largest = squares[i] > largest ? squares[i] : largest;
+    return largest;
+}
+
+using LargestSquare = double (*)(double* squares, const Point3d* points, std::size_t count,
+                                 const Point3d& origin, const Point3d& direction);
+
+double largestSquarePlainly(double* squares, const Point3d* points, std::size_t count,
+                            const Point3d& origin, const Point3d& direction) {
+    return largestSquare(squares, points, count, origin, direction);
+}
+#if VEXAKIT_HAS_WIDE_VECTORS
+VEXAKIT_AVX512 double largestSquareByAvx512(double* squares, const Point3d* points,
+                                            std::size_t count, const Point3d& origin,
+                                            const Point3d& direction) {
+    return largestSquare(squares, points, count, origin, direction);
+}
+#endif
+
+LargestSquare largestSquareOfMachine() {
+#if VEXAKIT_HAS_WIDE_VECTORS
+    if (platform::vectorWidth() == platform::VectorWidth::Avx512) return largestSquareByAvx512;
+#endif
+    return largestSquarePlainly;
+}
+
+/// The same for plain coordinates, block by block. The two ends of the line, which are not to count, are off
+/// it by a rounding at most: where that is the most, a ring has no frame either way.
+Point3d farthestOffsetByBlocks(std::span<const Point3d> points, const Point3d& origin,
+                               const Point3d& direction) {
+    const LargestSquare largestOf = largestSquareOfMachine();
+    double squares[kBlock];
+    double farthestSquare = -1;
+    const Point3d* farthest = nullptr;
+    for (std::size_t first = 0; first < points.size(); first += kBlock) {
+        const std::size_t count = std::min(kBlock, points.size() - first);
+        const double largest = largestOf(squares, &points[first], count, origin, direction);
+        if (!(largest > farthestSquare)) continue;
+        farthestSquare = largest;
+        farthest = &points[first] + (std::find(squares, squares + count, largest) - squares);
+    }
+    return offsetFrom(origin, direction, *farthest);
 }
 
 double largestExtent(const Range3d& box) {
@@ -105,10 +175,12 @@ Plane PolygonNormal(std::span<const Point3d> points) {
 std::optional<RingFrame> FitRingFrame(std::span<const Point3d> points) {
     if (points.size() < 3) return std::nullopt;
 
-    const double threshold = kRelativeThreshold * largestExtent(rangeOf(points));
-    const Extremes line = widestExtremes(points);
+    const std::optional<Range3d> plain = plainRange(points);
+    const double threshold = kRelativeThreshold * largestExtent(plain ? *plain : rangeOf(points));
+    const Extremes line = plain ? widestExtremes(points, *plain) : widestExtremes(points);
     const Point3d direction = unit(*line.greatest - *line.least);
-    const Point3d offset = farthestOffset(points, line, direction);
+    const Point3d offset = plain ? farthestOffsetByBlocks(points, *line.least, direction)
+                                 : farthestOffset(points, line, direction);
     if (!(dot(offset, offset) > threshold * threshold)) return std::nullopt;
 
     const Point3d normal = cross(direction, offset);

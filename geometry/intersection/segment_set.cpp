@@ -150,11 +150,4 @@ bool anyPointNearSegment(const Points& points, const Segments& segments, double 
                          });
 }
 
-bool anySegmentsNear(const Segments& first, const Segments& second, double tolerance,
-                     std::pmr::memory_resource* memory) {
-    return anyPairWithin(first, second, tolerance, memory, [=](const Point3d* a, const Point3d* b) {
-        return SegmentsNear(a[0], a[1], b[0], b[1], tolerance);
-    });
-}
-
 }  // namespace vexa

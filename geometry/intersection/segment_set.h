@@ -16,10 +16,8 @@ Segments segmentsOf(const Paths& paths, std::pmr::memory_resource* memory);
 /// Whether the first run of the first path has a segment: the first step of a walk over the paths.
 bool firstRunHasSegment(const Paths& paths);
 
-/// Whether some point is within the tolerance of some segment; whether two segments are near.
+/// Whether some point is within the tolerance of some segment.
 bool anyPointNearSegment(const Points& points, const Segments& segments, double tolerance,
                          std::pmr::memory_resource* memory);
-bool anySegmentsNear(const Segments& first, const Segments& second, double tolerance,
-                     std::pmr::memory_resource* memory);
 
 }  // namespace vexa

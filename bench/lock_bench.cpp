@@ -1,5 +1,6 @@
 // Taking a lock and giving it back: alone, and with a second thread that does the same. Beside the
-// locks of the standard library in the same run.
+// locks of the standard library. Sizes count threads.
+#include "bench/works.h"
 #include "vexakit/locks.h"
 
 #include <atomic>
@@ -104,31 +105,35 @@ void readCycle(benchmark::State& state) {
     }
 }
 
-void enter(const char* name, void (*run)(benchmark::State&)) {
-    const std::string work = name;
-    const std::string contender = work.substr(0, work.find(':'));
-    const std::string rest = work.substr(work.find(':') + 1);
-    benchmark::RegisterBenchmark((contender + ":" + rest + "_alone").c_str(), run)->Threads(1);
-    benchmark::RegisterBenchmark((contender + ":" + rest + "_2_threads").c_str(), run)->Threads(2);
+template <typename Ours, typename Theirs>
+void add(Works& works, const char* name, const char* peer) {
+    for (const std::size_t threads : {1U, 2U}) {
+        works.add({"locks", name, threads}, [=](Contest& contest) {
+            const auto count = static_cast<int>(threads);
+            contest.enterThreads(kOurs, count, cycle<Ours>);
+            contest.enterThreads(peer, count, cycle<Theirs>);
+        });
+    }
 }
 
-const bool kEntered = [] {
-    enter("recursive_mutex loop:thread_lock", &cycle<RecursiveMutex>);
-    enter("vexakit:thread_lock", &cycle<ThreadSlot>);
-    enter("shared_mutex loop:rw_lock_write", &cycle<SharedMutexToWrite>);
-    enter("vexakit:rw_lock_write", &cycle<ToWrite>);
-    enter("shared_mutex loop:rw_lock_read", &readCycle<SharedMutexToRead>);
-    enter("vexakit:rw_lock_read", &readCycle<ToRead>);
-    enter("recursive_mutex loop:inter_process_lock", &cycle<RecursiveMutex>);
-    enter("vexakit:inter_process_lock", &cycle<InterProcess>);
-    enter("recursive_mutex loop:mutex_lock", &cycle<RecursiveMutex>);
-    enter("vexakit:mutex_lock", &cycle<NamedMutex>);
-    benchmark::RegisterBenchmark("two_exchanges loop:inter_process_lock_steps",
-                                 &cycle<TwoExchanges>);
-    benchmark::RegisterBenchmark("vexakit:inter_process_lock_steps", &cycle<InterProcess>);
-    return true;
-}();
-
 }  // namespace
+
+void addLocks(Works& works) {
+    add<ThreadSlot, RecursiveMutex>(works, "thread lock", "recursive_mutex");
+    add<ToWrite, SharedMutexToWrite>(works, "reader/writer lock, to write", "shared_mutex");
+    for (const std::size_t threads : {1U, 2U}) {
+        works.add({"locks", "reader/writer lock, to read", threads}, [=](Contest& contest) {
+            const auto count = static_cast<int>(threads);
+            contest.enterThreads(kOurs, count, readCycle<ToRead>);
+            contest.enterThreads("shared_mutex", count, readCycle<SharedMutexToRead>);
+        });
+    }
+    add<InterProcess, RecursiveMutex>(works, "inter-process lock", "recursive_mutex");
+    add<NamedMutex, RecursiveMutex>(works, "named mutex", "recursive_mutex");
+    works.add({"locks", "inter-process lock, its steps", 1}, [](Contest& contest) {
+        contest.enterThreads(kOurs, 1, cycle<InterProcess>);
+        contest.enterThreads("two exchanges", 1, cycle<TwoExchanges>);
+    });
+}
 
 }  // namespace vexa::bench

@@ -1,10 +1,11 @@
 #pragma once
 
+#include "bench/shapes.h"
 #include "vexakit/vexakit.h"
 
-#include <cstdlib>
+#include <cstddef>
 #include <memory>
-#include <random>
+#include <string>
 #include <vector>
 
 namespace vexa::bench {
@@ -13,30 +14,25 @@ struct Destroy {
     void operator()(GeometryBuffer* geometry) const { vexaWKB_destroyGeom(&geometry); }
 };
 using Geometry = std::unique_ptr<GeometryBuffer, Destroy>;
+/// For rounds, which are copied.
+using SharedGeometry = std::shared_ptr<GeometryBuffer>;
 
-using Create = uint32_t (*)(const Point3d*, uint32_t, GeometryBuffer**);
+/// The shape as the writer would write it, each number with so many significant digits.
+std::string textOf(const Shape& shape, int digits);
 
-inline Geometry made(Create create, const std::vector<Point3d>& points) {
-    GeometryBuffer* geometry = nullptr;
-    const auto count = static_cast<std::uint32_t>(points.size());
-    if (create(points.data(), count, &geometry) != VEXA_SUCCESS) std::abort();
-    return Geometry{geometry};
-}
+/// Ends the program where the text is not understood.
+Geometry parsed(const std::string& text);
 
-inline Geometry lineOf(const std::vector<Point3d>& points) {
-    return made(vexaWKB_createLine, points);
-}
+/// The shape's buffer, vertex for vertex.
+Geometry geometryOf(const Shape& shape);
 
-/// Points all over the globe, at heights to match.
-inline std::vector<Point3d> wanderingPoints(std::size_t count) {
-    constexpr unsigned kSeed = 20;
-    std::mt19937_64 random{kSeed};
-    std::uniform_real_distribution<double> longitude{-180, 180};
-    std::uniform_real_distribution<double> latitude{-90, 90};
-    std::uniform_real_distribution<double> height{0, 9000};
-    std::vector<Point3d> points(count);
-    for (Point3d& point : points) point = {longitude(random), latitude(random), height(random)};
-    return points;
-}
+/// The numbers of a text that was written with so many digits: those that a parse gives back.
+std::vector<Point3d> rounded(std::vector<Point3d> points, int digits);
+
+/// Points all over the globe, at heights to match; always the same ones.
+std::vector<Point3d> wanderingPoints(std::size_t count);
+
+/// Cut into parts of so many points.
+std::vector<std::vector<Point3d>> inParts(const std::vector<Point3d>& points, std::size_t length);
 
 }  // namespace vexa::bench

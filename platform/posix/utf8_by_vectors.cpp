@@ -163,8 +163,9 @@ VEXAKIT_AVX512 [[gnu::always_inline]] inline std::uint64_t areBytes(__m512i byte
 }
 
 VEXAKIT_AVX512 [[gnu::always_inline]] inline __m512i field(__m512i bytes, int mask, int shift) {
-    return _mm512_slli_epi16(_mm512_and_si512(bytes, _mm512_set1_epi16(static_cast<short>(mask))),
-                             static_cast<unsigned>(shift));
+    const __m512i part = _mm512_and_si512(bytes, _mm512_set1_epi16(static_cast<short>(mask)));
+    // Compilers differ in the type of the shift.
+    return _mm512_slli_epi16(part, shift);  // NOLINT(clang-diagnostic-sign-conversion)
 }
 
 // Thirty-two characters. What stands before the last byte belongs to the character where that one is a

@@ -136,7 +136,7 @@ Point3d farthestOffsetByBlocks(std::span<const Point3d> points, const Point3d& o
     const LargestSquare largestOf = largestSquareOfMachine();
     double squares[kBlock];
     double farthestSquare = -1;
-    const Point3d* farthest = nullptr;
+    const Point3d* farthest = &points.front();
     for (std::size_t first = 0; first < points.size(); first += kBlock) {
         const std::size_t count = std::min(kBlock, points.size() - first);
         const double largest = largestOf(squares, &points[first], count, origin, direction);

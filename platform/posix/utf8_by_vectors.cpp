@@ -162,10 +162,11 @@ VEXAKIT_AVX512 [[gnu::always_inline]] inline std::uint64_t areBytes(__m512i byte
     return _mm512_cmpeq_epi8_mask(bytes, _mm512_set1_epi8(static_cast<char>(one)));
 }
 
-VEXAKIT_AVX512 [[gnu::always_inline]] inline __m512i field(__m512i bytes, int mask, int shift) {
+// A constant shift, as compilers differ in the sign of its type.
+template <int kShift>
+VEXAKIT_AVX512 [[gnu::always_inline]] inline __m512i field(__m512i bytes, int mask) {
     const __m512i part = _mm512_and_si512(bytes, _mm512_set1_epi16(static_cast<short>(mask)));
-    // Compilers differ in the type of the shift.
-    return _mm512_slli_epi16(part, shift);  // NOLINT(clang-diagnostic-sign-conversion)
+    return _mm512_slli_epi16(part, kShift);
 }
 
 // Thirty-two characters. What stands before the last byte belongs to the character where that one is a
@@ -179,8 +180,8 @@ VEXAKIT_AVX512 [[gnu::always_inline]] inline __m512i unitsOf(__m256i last, __m25
     const __mmask32 three = _mm512_mask_cmplt_epu16_mask(two, seconds, _mm512_set1_epi16(0xC0));
     __m512i units = lasts;
     units = _mm512_mask_mov_epi16(units, two,
-                                  _mm512_or_si512(field(lasts, 0x3F, 0), field(seconds, 0x3F, 6)));
-    return _mm512_mask_mov_epi16(units, three, _mm512_or_si512(units, field(thirds, 0x0F, 12)));
+                                  _mm512_or_si512(field<0>(lasts, 0x3F), field<6>(seconds, 0x3F)));
+    return _mm512_mask_mov_epi16(units, three, _mm512_or_si512(units, field<12>(thirds, 0x0F)));
 }
 
 // Of a character of four bytes the third stands for the first half of the pair, the last for the second.
@@ -191,11 +192,11 @@ VEXAKIT_AVX512 [[gnu::always_inline]] inline __m512i withPairs(__m512i units, __
     const __m512i befores = _mm512_cvtepu8_epi16(before);
     const __m512i leads = _mm512_cvtepu8_epi16(beforeThat);
     const __m512i high = _mm512_add_epi16(
-        _mm512_or_si512(_mm512_or_si512(field(leads, 0x07, 8), field(befores, 0x3F, 2)),
-                        _mm512_srli_epi16(field(lasts, 0x30, 0), 4)),
+        _mm512_or_si512(_mm512_or_si512(field<8>(leads, 0x07), field<2>(befores, 0x3F)),
+                        _mm512_srli_epi16(field<0>(lasts, 0x30), 4)),
         _mm512_set1_epi16(static_cast<short>(0xD800 - 0x40)));
     const __m512i low =
-        _mm512_or_si512(_mm512_or_si512(field(befores, 0x0F, 6), field(lasts, 0x3F, 0)),
+        _mm512_or_si512(_mm512_or_si512(field<6>(befores, 0x0F), field<0>(lasts, 0x3F)),
                         _mm512_set1_epi16(static_cast<short>(0xDC00)));
     return _mm512_mask_mov_epi16(_mm512_mask_mov_epi16(units, first, high), second, low);
 }

@@ -266,11 +266,11 @@ private:
 
 }  // namespace
 
-bool RingEdges::areCrossedBy(const Point3d& start, const Point3d& end, bool isClosed) const {
+bool RingEdges::areCrossedBy(const Point3d& start, const Point3d& end) const {
     const Range3d box = box2d(start, end);
-    if (!canRuleOut(box)) return EdgesCross({std::array{start, end}, false}, {vertices_, isClosed});
+    if (!canRuleOut(box)) return EdgesCross({std::array{start, end}, false}, {vertices_, true});
 
-    const bool hasClosingEdge = closingEdge({vertices_, isClosed}).has_value();
+    const bool hasClosingEdge = closingEdge({vertices_, true}).has_value();
     const CrossingFilter mayCross{start, end, std::max(largest_, largestOf(box))};
     return anyUnder(*boxes_, boxes_->root(), mayCross, [&](std::size_t i) {
         return (i != 0 || hasClosingEdge) && edgesCross(start, end, previousOf(i), vertices_[i]);

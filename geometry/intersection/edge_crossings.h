@@ -30,8 +30,8 @@ class RingEdges {
 public:
     RingEdges(std::span<const Point3d> vertices, std::pmr::memory_resource* memory);
 
-    /// Whether an edge crosses some edge of the ring, as `EdgesCross` tells.
-    bool areCrossedBy(const Point3d& start, const Point3d& end, bool isClosed) const;
+    /// Whether an edge crosses some edge of the closed ring, as `EdgesCross` tells.
+    bool areCrossedBy(const Point3d& start, const Point3d& end) const;
 
     /// Whether a segment in the ring's plane crosses the ring: whether its line crosses or meets the
     /// closed ring at 1 to 32 places, one of them on the segment. A vertex on the line is one place

@@ -69,7 +69,7 @@ bool meetsOutsideThePlane(Points moving, Points fixed, RingClassifier& inFixed, 
 
         if (isInPlane(start) && isInPlane(end)) {
             if (!edges) edges.emplace(fixed, memory);
-            if (edges->areCrossedBy(start, end, true)) return true;
+            if (edges->areCrossedBy(start, end)) return true;
         } else if (start.z * end.z < 0) {
             const Point3d cut = start + (end - start) * start.z / (start.z - end.z);
             if (isInside(cut)) return true;

@@ -2,22 +2,13 @@
 #include "platform/posix/code_page_tables.h"
 #include "platform/posix/code_pages.h"
 #include "platform/posix/utf8.h"
-#include "platform/vector_width.h"
+#include "platform/wide_vectors.h"
 
 #include <algorithm>
 #include <cstddef>
 #include <cstring>
 #include <limits>
 #include <span>
-
-#if VEXAKIT_HAS_WIDE_VECTORS
-// The compiler's own vector functions leave undefined on purpose what no lane of the result takes.
-#if defined(__GNUC__) && !defined(__clang__)
-#pragma GCC diagnostic ignored "-Wuninitialized"
-#pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
-#endif
-#include <immintrin.h>
-#endif
 
 namespace vexa::platform {
 

@@ -1,19 +1,10 @@
 #include "platform/posix/utf8_by_vectors.h"
 
-#include "platform/vector_width.h"
+#include "platform/wide_vectors.h"
 
 #include <algorithm>
 #include <bit>
 #include <cstdint>
-
-#if VEXAKIT_HAS_WIDE_VECTORS
-// The compiler's own vector functions leave undefined on purpose what no lane of the result takes.
-#if defined(__GNUC__) && !defined(__clang__)
-#pragma GCC diagnostic ignored "-Wuninitialized"
-#pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
-#endif
-#include <immintrin.h>
-#endif
 
 namespace vexa::platform {
 
